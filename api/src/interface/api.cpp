@@ -1,0 +1,113 @@
+#include "api/src/interface/api.h"
+
+#include <array>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+#include "api/src/device/common/DeviceManagement.h"
+
+namespace {
+
+// The last index below the count for which `matches` holds of the device there.
+template <class Predicate>
+std::optional<int> lastIndexOf(Predicate matches)
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    std::optional<int> found;
+    for (QRX_U16 index = 0; index < table->getDeviceCount(table); ++index) {
+        if (matches(*table->getDevice(table, index))) {
+            found = index;
+        }
+    }
+    return found;
+}
+
+QRX_BOOLEAN store(std::optional<int> found, int* destination)
+{
+    if (found) {
+        *destination = *found;
+    }
+    return found.has_value();
+}
+
+}  // namespace
+
+QRX_U8 QRX_IsSysDenied()
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    return table->isSysDenied(table);
+}
+
+QRX_U16 QRX_Adapter_GetCount()
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    return table->getDeviceCount(table);
+}
+
+QRX_U8 QRX_Adapter_GetOneBaseMode()
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    return table->getOneBaseMode(table);
+}
+
+QRX_U16* QRX_Adapter_GetDeviceVID()
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    return table->getDeviceVID(table);
+}
+
+char* QRX_Adapter_GetDeviceFun(QRX_U16 adapter_id)
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    return table->getDeviceFun(table, adapter_id);
+}
+
+char* QRX_Adapter_GetDevicePath(QRX_U16 adapter_id)
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    return table->getDevicePath(table, adapter_id);
+}
+
+char* QRX_Adapter_GetDeviceSUBNQN(QRX_U16 adapter_id)
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    return table->getDeviceSUBNQN(table, adapter_id);
+}
+
+int QRX_Adapter_GetSlotID(QRX_U16 adapter_id)
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    return table->getSlotID(table, adapter_id);
+}
+
+QRX_BOOLEAN findAdapterId(char* slot, int* id)
+{
+    return store(lastIndexOf([slot](const Device& device) { return std::strcmp(device.bus_dev_fun, slot) == 0; }), id);
+}
+
+void GetAdapterIdFromDeviceName(int internalID, int* mappingID)
+{
+    if (const auto number = qrx::deviceNumber(QRX_Adapter_GetDevicePath(static_cast<QRX_U16>(internalID)))) {
+        *mappingID = *number;
+    }
+}
+
+QRX_BOOLEAN SetAdapterIdFromDeviceName(int* devNameID, int* addapterID)
+{
+    for (QRX_U16 index = 0; index < QRX_Adapter_GetCount(); ++index) {
+        if (qrx::deviceNumber(QRX_Adapter_GetDevicePath(index)) == *devNameID) {
+            *addapterID = index;
+            return true;
+        }
+    }
+    return false;
+}
+
+QRX_BOOLEAN SetAdapterIdFromSUBNQN(char* subnqn, int* mappingAddapterID)
+{
+    // As much of the wanted name as a device's own field can hold.
+    constexpr std::size_t kLongest = sizeof(Device::subnqn) - 1;
+    const std::string_view wanted(subnqn, strnlen(subnqn, kLongest));
+    return store(lastIndexOf([wanted](const Device& device) { return wanted == device.subnqn; }), mappingAddapterID);
+}
