@@ -33,10 +33,10 @@ enum QRX_BGA_OPERATION : QRX_U8 {
 // The background activity of one VD.
 struct _NVME_BGA_STATUS {
     QRX_U8 Reserved1;
-    QRX_U8 BgaType;      // QRX_BGA_TYPE
-    QRX_U8 ID;           // VD id
-    QRX_U8 Percentage;   // 0 to 100
-    QRX_U8 BgaStatus;    // QRX_BGA_STATUS
+    QRX_U8 BgaType;     // QRX_BGA_TYPE
+    QRX_U8 ID;          // VD id
+    QRX_U8 Percentage;  // 0 to 100
+    QRX_U8 BgaStatus;   // QRX_BGA_STATUS
     QRX_U8 Reserved2[3];
 };
 using NVME_BGA_STATUS = _NVME_BGA_STATUS;
@@ -46,7 +46,7 @@ static_assert(offsetof(_NVME_BGA_STATUS, BgaStatus) == 4);
 
 struct _NVME_BGA_REQUEST {
     RequestHeader header;
-    NVME_BGA_STATUS data;   // one or more
+    NVME_BGA_STATUS data;  // one or more
 };
 using NVME_BGA_REQUEST = _NVME_BGA_REQUEST;
 static_assert(sizeof(_NVME_BGA_REQUEST) == 24);

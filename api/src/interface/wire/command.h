@@ -7,9 +7,9 @@
 
 // One admin command. CDW is laid out as the driver's nvme_admin_cmd, and only those 72 bytes are sent.
 struct _qrx_admin_command_format {
-    QRX_U32 CDW[18];      // 0 opcode, 1 nsid, 10 to 15 command words, 16 timeout in ms; 6, 7 and 9 are the device's own
-    QRX_U16 cdw_flag;     // bit n: the handler filled CDW[n]; bookkeeping, not sent
-    QRX_U16 control_id;   // reserved for a controller id; 0
+    QRX_U32 CDW[18];     // 0 opcode, 1 nsid, 10 to 15 command words, 16 timeout in ms; 6, 7 and 9 are the device's own
+    QRX_U16 cdw_flag;    // bit n: the handler filled CDW[n]; bookkeeping, not sent
+    QRX_U16 control_id;  // reserved for a controller id; 0
     QRX_U16 rsvd0[2];
 };
 using p_qrx_admin_command_format = _qrx_admin_command_format*;
@@ -18,11 +18,11 @@ static_assert(sizeof(_qrx_admin_command_format) == 80);
 static_assert(offsetof(_qrx_admin_command_format, cdw_flag) == 72);
 
 // Vendor opcodes, in CDW[0].
-inline constexpr QRX_U32 kVendorRead = 226;        // data from the controller, or none
-inline constexpr QRX_U32 kVendorWrite = 199;       // data to the controller
-inline constexpr QRX_U32 kTunnelFromDrive = 194;   // to a back-end drive, data from it
-inline constexpr QRX_U32 kTunnelToDrive = 195;     // to a back-end drive, data to it or none
-inline constexpr QRX_U8 kPairSend = 0xCB;          // the two halves of a pair command, as sent
+inline constexpr QRX_U32 kVendorRead = 226;       // data from the controller, or none
+inline constexpr QRX_U32 kVendorWrite = 199;      // data to the controller
+inline constexpr QRX_U32 kTunnelFromDrive = 194;  // to a back-end drive, data from it
+inline constexpr QRX_U32 kTunnelToDrive = 195;    // to a back-end drive, data to it or none
+inline constexpr QRX_U8 kPairSend = 0xCB;         // the two halves of a pair command, as sent
 inline constexpr QRX_U8 kPairReceive = 0xCE;
 
 // Group opcodes, in the low byte of CDW12.
@@ -35,6 +35,7 @@ inline constexpr QRX_U8 kGroupNs = 0xE5;
 inline constexpr QRX_U8 kGroupDump = 0xFE;
 
 // The forms of the 16-bit argument of a vendor command.
+// clang-format off
 struct NVME_AP_GPIO_Setting { QRX_U16 setDefault; };
 struct NVME_AP_PCIe_Register { QRX_U8 id; QRX_U8 reserved; };
 struct NVME_AP_SP_COMMIT { QRX_U8 type; QRX_U8 reserved; };
@@ -55,6 +56,7 @@ struct NVME_NS_BACKUP { QRX_U16 pdid; };
 struct NVME_QOS { QRX_U16 hostid; };
 struct NVME_INVERSE { QRX_U8 value; QRX_U8 reserved; };
 struct NVME_AP_SWITCH_FEATURE { QRX_U16 switchFeature; };
+// clang-format on
 using NVME_AP_Delete_VD = _NVME_AP_Delete_VD;
 using NVME_AP_Create_VD = _NVME_AP_Create_VD;
 using NVME_AP_Init_NS = _NVME_AP_Init_NS;
@@ -65,9 +67,9 @@ using NVME_SP_SetDebug_level = _NVME_SP_SetDebug_level;
 
 // The word in CDW[12] of a vendor command.
 struct _NVME_AP_Opcode {
-    QRX_U8 opcode;      // group, bits 7 to 0
-    QRX_U8 subOpcode;   // command in the group, bits 15 to 8
-    union {             // argument, bits 31 to 16
+    QRX_U8 opcode;     // group, bits 7 to 0
+    QRX_U8 subOpcode;  // command in the group, bits 15 to 8
+    union {            // argument, bits 31 to 16
         QRX_U8 reserved[2];
         NVME_AP_GPIO_Setting gpio_settings;
         NVME_AP_PCIe_Register pcie_register;

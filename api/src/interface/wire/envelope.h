@@ -11,8 +11,8 @@ inline constexpr QRX_U32 kFrameSignWord = 0x585251;  // the same letters and a z
 
 // Head of every vendor response of a page; the payload follows at kReceiveDataOffset.
 struct _NVMEReceiveData {
-    QRX_U8 sign[4];      // bytes 0 to 2: "QRX"; byte 3 is not tested
-    QRX_U8 cmd_status;   // 0: carried out; else the firmware's failure code for this request
+    QRX_U8 sign[4];     // bytes 0 to 2: "QRX"; byte 3 is not tested
+    QRX_U8 cmd_status;  // 0: carried out; else the firmware's failure code for this request
     QRX_U8 reserved[3];
 };
 using NVMEReceiveData = _NVMEReceiveData;
@@ -22,11 +22,11 @@ static_assert(offsetof(_NVMEReceiveData, cmd_status) == 4);
 
 // Head of a pair command's send frame; the request record follows at kSendDataOffset.
 struct _NVMESendData {
-    QRX_U8 sign[4];           // "QRX" and a zero byte
-    QRX_U8 cmd_length;        // valid entries of vendor_cmd, at most 4
-    QRX_U8 data_offset;       // always 16
-    QRX_U16 data_length;      // bytes of the request record
-    QRX_U16 vendor_cmd[4];    // group opcode, sub-opcode, arguments; 0 beyond cmd_length
+    QRX_U8 sign[4];         // "QRX" and a zero byte
+    QRX_U8 cmd_length;      // valid entries of vendor_cmd, at most 4
+    QRX_U8 data_offset;     // always 16
+    QRX_U16 data_length;    // bytes of the request record
+    QRX_U16 vendor_cmd[4];  // group opcode, sub-opcode, arguments; 0 beyond cmd_length
 };
 using NVMESendData = _NVMESendData;
 inline constexpr std::size_t kSendDataOffset = 16;
@@ -36,13 +36,13 @@ static_assert(offsetof(_NVMESendData, vendor_cmd) == 8);
 
 // Prefix of the list requests of the pair command road.
 struct _RequestHeader {
-    QRX_U16 size;          // left 0
-    QRX_U8 requestType;    // 2
+    QRX_U16 size;        // left 0
+    QRX_U8 requestType;  // 2
     QRX_U8 reserved1;
-    QRX_U16 start;         // first index wanted
-    QRX_U8 numRequested;   // count wanted
-    QRX_U8 numReturned;    // count delivered
-    QRX_U16 nextStart;     // index to continue from
+    QRX_U16 start;        // first index wanted
+    QRX_U8 numRequested;  // count wanted
+    QRX_U8 numReturned;   // count delivered
+    QRX_U16 nextStart;    // index to continue from
     QRX_U8 reserved2[6];
 };
 using RequestHeader = _RequestHeader;

@@ -27,8 +27,8 @@ static_assert(sizeof(_hba_info_header) == 64);
 static_assert(offsetof(_hba_info_header, cap1) == 52);
 
 struct _gpio_settings {
-    QRX_U32 enable;                     // function switch, a bit for each GPIO
-    QRX_U32 active_high_low;            // level
+    QRX_U32 enable;           // function switch, a bit for each GPIO
+    QRX_U32 active_high_low;  // level
     QRX_U32 default_value;
     QRX_U8 set_default_from_hba_info;
     QRX_U8 inversed_gpio_8_9_10_11;
@@ -42,8 +42,12 @@ union _hba_info_gpio_page {
 };
 static_assert(sizeof(_hba_info_gpio_page) == 64);
 
-struct _hba_info_cpu_page { QRX_U8 cpu[64]; };
-struct _hba_info_pcie_page { QRX_U8 pcie[128]; };
+struct _hba_info_cpu_page {
+    QRX_U8 cpu[64];
+};
+struct _hba_info_pcie_page {
+    QRX_U8 pcie[128];
+};
 
 struct _raid_settings {
     QRX_U8 Auto_Rebuild_On;
@@ -66,10 +70,10 @@ struct _hba_info_fwdl {
 };
 
 struct _hba_info_adapter_page {
-    QRX_U8 debug_dump;           // debug messages go to the SPI log
-    QRX_U8 flash_tools_enable;   // the manufacturing flash tool is on
-    QRX_U8 sriov_enable;         // SR-IOV is on
-    QRX_U8 vpd_buf_switch;       // where VPD lies: 0 EEPROM, else SPI flash
+    QRX_U8 debug_dump;          // debug messages go to the SPI log
+    QRX_U8 flash_tools_enable;  // the manufacturing flash tool is on
+    QRX_U8 sriov_enable;        // SR-IOV is on
+    QRX_U8 vpd_buf_switch;      // where VPD lies: 0 EEPROM, else SPI flash
     QRX_U32 nguid_offset;
     QRX_U16 vendor_id;
     QRX_U16 device_id;
@@ -80,7 +84,7 @@ struct _hba_info_adapter_page {
     QRX_U8 max_vf_num;
     QRX_U8 max_fe_ns_num;
     QRX_U8 support_vir_ns;
-    QRX_U8 fw_log_level;         // 0 normal, else errors only
+    QRX_U8 fw_log_level;  // 0 normal, else errors only
     QRX_U8 dsp_enable;
     QRX_U8 adapter[18];
     _hba_info_fwdl fwdl;

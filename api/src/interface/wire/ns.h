@@ -16,29 +16,29 @@ inline constexpr QRX_U8 kNsParentVd = 1;
 
 // One namespace. A list response carries MaxNS of these behind its envelope.
 struct _NVME_NS_Info {
-    QRX_U8 NSID;          // as the host sees it
-    QRX_U8 device_type;   // kNsParent values
-    QRX_U16 ID;           // parent id, 0-based
-    QRX_U8 Status;        // kNs bits
-    QRX_U8 VDStatus;      // the parent VD's status code
+    QRX_U8 NSID;         // as the host sees it
+    QRX_U8 device_type;  // kNsParent values
+    QRX_U16 ID;          // parent id, 0-based
+    QRX_U8 Status;       // kNs bits
+    QRX_U8 VDStatus;     // the parent VD's status code
     QRX_U8 reserved1;
     QRX_U8 LBADataSize;
-    QRX_U32 SectorSize;   // bytes
+    QRX_U32 SectorSize;  // bytes
     QRX_U8 reserved2[4];
-    QRX_U64 LBA;          // sectors
+    QRX_U64 LBA;  // sectors
     QRX_U8 reserved3[72];
 };
 using NVME_NS_Info = _NVME_NS_Info;
 using PNVME_NS_Info = _NVME_NS_Info*;
-using NVME_NS_Info_Request = _NVME_NS_Info;   // a bare array, with no header
+using NVME_NS_Info_Request = _NVME_NS_Info;  // a bare array, with no header
 static_assert(sizeof(_NVME_NS_Info) == 96);
 static_assert(offsetof(_NVME_NS_Info, SectorSize) == 8);
 static_assert(offsetof(_NVME_NS_Info, LBA) == 16);
 
 // Sharing state of one namespace.
 struct _NMIC_Data {
-    QRX_U8 mode;     // 0 private
-    QRX_U8 ctrlID;   // the owning controller when private
+    QRX_U8 mode;    // 0 private
+    QRX_U8 ctrlID;  // the owning controller when private
     QRX_U8 reserved[6];
 };
 using NMIC_Data = _NMIC_Data;

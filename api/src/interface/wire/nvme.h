@@ -7,11 +7,11 @@
 
 // Identify Controller data.
 struct nvme_id_psd {
-    QRX_U16 mp;       // maximum power, in units told by flags
+    QRX_U16 mp;  // maximum power, in units told by flags
     QRX_U8 rsvd2;
     QRX_U8 flags;
-    QRX_U32 enlat;    // entry latency, microseconds
-    QRX_U32 exlat;    // exit latency, microseconds
+    QRX_U32 enlat;  // entry latency, microseconds
+    QRX_U32 exlat;  // exit latency, microseconds
     QRX_U8 rrt;
     QRX_U8 rrl;
     QRX_U8 rwt;
@@ -28,17 +28,17 @@ static_assert(sizeof(nvme_id_psd) == 32);
 struct nvme_id_ctrl {
     QRX_U16 vid;
     QRX_U16 ssvid;
-    QRX_U8 sn[20];            // blank-padded text
-    QRX_U8 mn[40];            // blank-padded text
-    QRX_U8 fr[8];             // blank-padded text
+    QRX_U8 sn[20];  // blank-padded text
+    QRX_U8 mn[40];  // blank-padded text
+    QRX_U8 fr[8];   // blank-padded text
     QRX_U8 rab;
     QRX_U8 ieee[3];
     QRX_U8 cmic;
-    QRX_U8 mdts;              // power of two of pages; 0 no limit
+    QRX_U8 mdts;  // power of two of pages; 0 no limit
     QRX_U16 cntlid;
     QRX_U32 ver;
-    QRX_U32 rtd3r;            // microseconds
-    QRX_U32 rtd3e;            // microseconds
+    QRX_U32 rtd3r;  // microseconds
+    QRX_U32 rtd3e;  // microseconds
     QRX_U32 oaes;
     QRX_U32 ctratt;
     QRX_U16 rrls;
@@ -57,25 +57,25 @@ struct nvme_id_ctrl {
     QRX_U8 aerl;
     QRX_U8 frmw;
     QRX_U8 lpa;
-    QRX_U8 elpe;              // 0's based
-    QRX_U8 npss;              // 0's based
+    QRX_U8 elpe;  // 0's based
+    QRX_U8 npss;  // 0's based
     QRX_U8 avscc;
     QRX_U8 apsta;
-    QRX_U16 wctemp;           // Kelvin
-    QRX_U16 cctemp;           // Kelvin
-    QRX_U16 mtfa;             // units of 100 ms
+    QRX_U16 wctemp;  // Kelvin
+    QRX_U16 cctemp;  // Kelvin
+    QRX_U16 mtfa;    // units of 100 ms
     QRX_U32 hmpre;
     QRX_U32 hmmin;
-    QRX_U8 tnvmcap[16];       // bytes
-    QRX_U8 unvmcap[16];       // bytes
+    QRX_U8 tnvmcap[16];  // bytes
+    QRX_U8 unvmcap[16];  // bytes
     QRX_U32 rpmbs;
     QRX_U16 edstt;
     QRX_U8 dsto;
     QRX_U8 fwug;
     QRX_U16 kas;
     QRX_U16 hctma;
-    QRX_U16 mntmt;            // Kelvin
-    QRX_U16 mxtmt;            // Kelvin
+    QRX_U16 mntmt;  // Kelvin
+    QRX_U16 mxtmt;  // Kelvin
     QRX_U32 sanicap;
     QRX_U32 hmminds;
     QRX_U16 hmmaxd;
@@ -104,7 +104,7 @@ struct nvme_id_ctrl {
     QRX_U32 sgls;
     QRX_U32 mnan;
     QRX_U8 rsvd544[224];
-    QRX_U8 subnqn[256];       // zero-padded text
+    QRX_U8 subnqn[256];  // zero-padded text
     QRX_U8 rsvd1024[1024];
     nvme_id_psd psd[32];
     QRX_U8 vs[1024];
@@ -127,24 +127,24 @@ static_assert(offsetof(nvme_id_ctrl, psd) == 2048);
 
 // LBA format.
 struct nvme_lbaf {
-    QRX_U16 ms;   // metadata bytes
-    QRX_U8 ds;    // data size, a power of two of bytes
-    QRX_U8 rp;    // relative performance
+    QRX_U16 ms;  // metadata bytes
+    QRX_U8 ds;   // data size, a power of two of bytes
+    QRX_U8 rp;   // relative performance
 };
 static_assert(sizeof(nvme_lbaf) == 4);
 
 // Identify Namespace data.
 struct _nvme_id_ns {
-    QRX_U64 nsze;             // sectors
-    QRX_U64 ncap;             // sectors
-    QRX_U64 nuse;             // sectors
+    QRX_U64 nsze;  // sectors
+    QRX_U64 ncap;  // sectors
+    QRX_U64 nuse;  // sectors
     QRX_U8 nsfeat;
-    QRX_U8 nlbaf;             // 0's based
+    QRX_U8 nlbaf;  // 0's based
     QRX_U8 flbas;
     QRX_U8 mc;
     QRX_U8 dpc;
     QRX_U8 dps;
-    QRX_U8 nmic;              // bit 0: may be attached to more than one controller
+    QRX_U8 nmic;  // bit 0: may be attached to more than one controller
     QRX_U8 rescap;
     QRX_U8 fpi;
     QRX_U8 dlfeat;
@@ -155,7 +155,7 @@ struct _nvme_id_ns {
     QRX_U16 nabo;
     QRX_U16 nabspf;
     QRX_U16 noiob;
-    QRX_U8 nvmcap[16];        // bytes
+    QRX_U8 nvmcap[16];  // bytes
     QRX_U8 rsvd64[40];
     QRX_U8 nguid[16];
     QRX_U8 eui64[8];
@@ -174,28 +174,28 @@ static_assert(offsetof(_nvme_id_ns, vs) == 384);
 // SMART / Health Information log page (log 2). 16-byte counters are little-endian.
 struct _qrx_smart_log {
     QRX_U8 critical_warning;
-    QRX_U8 temperature[2];            // Kelvin
-    QRX_U8 avail_spare;               // percent
-    QRX_U8 spare_thresh;              // percent
+    QRX_U8 temperature[2];  // Kelvin
+    QRX_U8 avail_spare;     // percent
+    QRX_U8 spare_thresh;    // percent
     QRX_U8 percent_used;
     QRX_U8 rsvd6[26];
-    QRX_U8 data_units_read[16];       // thousands of 512-byte units
+    QRX_U8 data_units_read[16];  // thousands of 512-byte units
     QRX_U8 data_units_written[16];
     QRX_U8 host_reads[16];
     QRX_U8 host_writes[16];
-    QRX_U8 ctrl_busy_time[16];        // minutes
+    QRX_U8 ctrl_busy_time[16];  // minutes
     QRX_U8 power_cycles[16];
     QRX_U8 power_on_hours[16];
     QRX_U8 unsafe_shutdowns[16];
     QRX_U8 media_errors[16];
     QRX_U8 num_err_log_entries[16];
-    QRX_U32 warning_temp_time;        // minutes
-    QRX_U32 critical_comp_time;       // minutes
-    QRX_U16 temp_sensor[8];           // Kelvin, 0 not there
+    QRX_U32 warning_temp_time;   // minutes
+    QRX_U32 critical_comp_time;  // minutes
+    QRX_U16 temp_sensor[8];      // Kelvin, 0 not there
     QRX_U32 tmt1tc;
     QRX_U32 tmt2tc;
-    QRX_U32 ttftmt1;                  // seconds
-    QRX_U32 ttftmt2;                  // seconds
+    QRX_U32 ttftmt1;  // seconds
+    QRX_U32 ttftmt2;  // seconds
     QRX_U8 rsvd216[280];
 };
 static_assert(sizeof(_qrx_smart_log) == 512);
@@ -207,19 +207,19 @@ static_assert(offsetof(_qrx_smart_log, ttftmt2) == 228);
 
 // Firmware Slot Information log page (log 3).
 struct nvme_firmware_slot_log {
-    QRX_U8 afi;          // bits 2 to 0: active slot; bits 6 to 4: slot of the next reset
+    QRX_U8 afi;  // bits 2 to 0: active slot; bits 6 to 4: slot of the next reset
     QRX_U8 rsvd1[7];
-    QRX_U8 frs[7][8];    // revision in slots 1 to 7, text; zeros: empty
+    QRX_U8 frs[7][8];  // revision in slots 1 to 7, text; zeros: empty
     QRX_U8 rsvd64[448];
 };
 static_assert(sizeof(nvme_firmware_slot_log) == 512);
 
 // One entry of the Error Information log page (log 1).
 struct nvme_error_log_entry {
-    QRX_U64 error_count;      // 0: an empty entry
+    QRX_U64 error_count;  // 0: an empty entry
     QRX_U16 sqid;
     QRX_U16 cmdid;
-    QRX_U16 status_field;     // the status code shifted left by 1
+    QRX_U16 status_field;  // the status code shifted left by 1
     QRX_U16 parm_error_location;
     QRX_U64 lba;
     QRX_U32 nsid;

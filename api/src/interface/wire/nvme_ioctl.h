@@ -27,8 +27,8 @@ struct nvme_admin_cmd {
     QRX_U32 cdw13;
     QRX_U32 cdw14;
     QRX_U32 cdw15;
-    QRX_U32 timeout_ms;    // 0: the driver's default
-    QRX_U32 result;        // Completion Dword 0, filled by the driver
+    QRX_U32 timeout_ms;  // 0: the driver's default
+    QRX_U32 result;      // Completion Dword 0, filled by the driver
 };
 static_assert(sizeof(nvme_admin_cmd) == 72);
 static_assert(offsetof(nvme_admin_cmd, addr) == 24);

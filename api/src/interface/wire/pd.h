@@ -14,17 +14,17 @@ inline constexpr QRX_U8 kPdFailed = 1U << 4;
 inline constexpr QRX_U8 kPdSmartWarning = 1U << 5;
 
 struct _NVME_PD_Info {
-    QRX_U16 ID;             // 0-based
-    QRX_U8 Status;          // kPd bits
+    QRX_U16 ID;     // 0-based
+    QRX_U8 Status;  // kPd bits
     QRX_U8 reserved1[9];
-    QRX_U8 Model[40];       // blank-padded, not terminated
-    QRX_U8 SerialNo[20];    // blank-padded, not terminated
-    QRX_U32 SectorSize;     // bytes
-    QRX_U8 FWVersion[8];    // blank-padded, not terminated
+    QRX_U8 Model[40];     // blank-padded, not terminated
+    QRX_U8 SerialNo[20];  // blank-padded, not terminated
+    QRX_U32 SectorSize;   // bytes
+    QRX_U8 FWVersion[8];  // blank-padded, not terminated
     QRX_U8 reserved2[4];
-    QRX_U64 LBA;            // sectors
-    QRX_U16 SSDAdapterID;   // back-end root complex or slot, 0-based
-    QRX_U16 SSDNSID;        // namespace on the back-end drive
+    QRX_U64 LBA;           // sectors
+    QRX_U16 SSDAdapterID;  // back-end root complex or slot, 0-based
+    QRX_U16 SSDNSID;       // namespace on the back-end drive
     QRX_U8 Temperature[2];
     QRX_U8 reserved3[2];
 };
@@ -39,7 +39,7 @@ static_assert(offsetof(_NVME_PD_Info, SSDAdapterID) == 96);
 
 struct _NVME_PD_Info_Request {
     RequestHeader header;
-    NVME_PD_Info pd_info;   // one or more
+    NVME_PD_Info pd_info;  // one or more
 };
 using NVME_PD_Info_Request = _NVME_PD_Info_Request;
 static_assert(sizeof(_NVME_PD_Info_Request) == 120);

@@ -36,21 +36,21 @@ inline constexpr QRX_U16 kMissingMember = 65535;
 // Sizes below are not whole multiples of their 64-bit fields' alignment, so those fields align to 4.
 #pragma pack(push, 4)
 struct _NVME_VD_Info {
-    QRX_U16 ID;                      // 0-based
-    QRX_U8 Status;                   // kVd codes
-    QRX_U8 Importable;               // 1 importable, else not
-    QRX_U8 RaidMode;                 // RAID mode code
-    QRX_U8 MemberCount;              // valid entries of PDIDs
+    QRX_U16 ID;          // 0-based
+    QRX_U8 Status;       // kVd codes
+    QRX_U8 Importable;   // 1 importable, else not
+    QRX_U8 RaidMode;     // RAID mode code
+    QRX_U8 MemberCount;  // valid entries of PDIDs
     QRX_U8 BGAIndex;
     QRX_U8 reserved2;
-    QRX_U64 LBA;                     // sectors
-    QRX_U16 PDIDs[kVdMembersMax];    // member PD ids, 0-based; kMissingMember marks a missing one
+    QRX_U64 LBA;                   // sectors
+    QRX_U16 PDIDs[kVdMembersMax];  // member PD ids, 0-based; kMissingMember marks a missing one
     QRX_U8 reserved4;
-    QRX_U8 NumParityDisk;            // meaningful for RAID6 and RAID60
-    QRX_U16 StripBlockSize;          // sectors of 512 bytes: 256 is 128K, 512 is 256K, 1024 is 512K
-    QRX_U32 SectorSize;              // bytes, 0 unknown
-    QRX_U8 Name[16];                 // text, not terminated when full
-    QRX_U8 NSIDs[64];                // namespaces of this VD
+    QRX_U8 NumParityDisk;    // meaningful for RAID6 and RAID60
+    QRX_U16 StripBlockSize;  // sectors of 512 bytes: 256 is 128K, 512 is 256K, 1024 is 512K
+    QRX_U32 SectorSize;      // bytes, 0 unknown
+    QRX_U8 Name[16];         // text, not terminated when full
+    QRX_U8 NSIDs[64];        // namespaces of this VD
     QRX_U8 reserved3[8];
     QRX_U8 reserved5[4];
 };
@@ -67,7 +67,7 @@ static_assert(offsetof(_NVME_VD_Info, NSIDs) == 104);
 
 struct _NVME_VD_Info_Request {
     RequestHeader header;
-    NVME_VD_Info vd_info;   // one or more
+    NVME_VD_Info vd_info;  // one or more
 };
 using NVME_VD_Info_Request = _NVME_VD_Info_Request;
 static_assert(sizeof(_NVME_VD_Info_Request) == 196);
@@ -83,7 +83,7 @@ static_assert(sizeof(_NVME_VD_Config) == 24);
 
 struct _NVME_VD_Config_Request {
     RequestHeader header;
-    NVME_VD_Config vd_config;   // one or more
+    NVME_VD_Config vd_config;  // one or more
 };
 using NVME_VD_Config_Request = _NVME_VD_Config_Request;
 static_assert(sizeof(_NVME_VD_Config_Request) == 40);
@@ -102,7 +102,7 @@ struct _NVME_Create_VD {
     QRX_U8 Name[16];
     QRX_U8 reserved3[4];
     QRX_U64 reserved4;
-    QRX_U8 QueryLDSize;   // 1: only report the size that would result
+    QRX_U8 QueryLDSize;  // 1: only report the size that would result
     QRX_U8 Auto_create;
     QRX_U16 NSCount;
     QRX_U8 reserved5[4];
@@ -117,8 +117,8 @@ static_assert(offsetof(_NVME_Create_VD, NSSize) == 112);
 
 struct _NVME_PreCreate_VD {
     QRX_U32 reserved;
-    QRX_U32 SectorSize;   // bytes
-    QRX_U64 LBA;          // sectors
+    QRX_U32 SectorSize;  // bytes
+    QRX_U64 LBA;         // sectors
 };
 using NVME_PreCreate_VD = _NVME_PreCreate_VD;
 static_assert(sizeof(_NVME_PreCreate_VD) == 16);
