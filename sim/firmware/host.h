@@ -35,6 +35,8 @@ struct NamespaceNode {
     QRX_U64 sectors = 0;
     QRX_U32 sector_size = 512;   // bytes
     std::string uuid;            // nguid or eui64 in lower-case hexadecimal, or empty
+
+    friend bool operator==(const NamespaceNode&, const NamespaceNode&) = default;
 };
 
 // A controller that the host sees, with what its driver shows under sysfs.
@@ -50,6 +52,8 @@ struct ControllerNode {
     std::string firmware;
     std::string subnqn;
     std::vector<NamespaceNode> namespaces;
+
+    friend bool operator==(const ControllerNode&, const ControllerNode&) = default;
 };
 
 // A simulated machine, or a decorator around one (trace, faults).
