@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "api/src/device/common/DeviceManagement.h"
+#include "api/src/interface/wire/status.h"
 
 namespace {
 
@@ -15,79 +16,79 @@ struct Text {
 
 // Generic and NVM command set codes, by the whole status.
 constexpr Text kGenericTexts[] = {
-    {0, "Successful Completion"},
-    {1, "Invalid Command Opcode"},
-    {2, "Invalid Field in Command"},
-    {3, "Command ID Conflict"},
-    {4, "Data Transfer Error"},
-    {5, "Commands Aborted due to Power Loss Notification"},
-    {6, "Internal Error"},
-    {7, "Command Abort Requested"},
-    {8, "Command Aborted due to SQ Deletion"},
-    {9, "Command Aborted due to Failed Fused Command"},
-    {10, "Command Aborted due to Missing Fused Command"},
-    {11, "Invalid Namespace or Format"},
-    {12, "Command Sequence Error"},
-    {13, "Invalid SGL Segment Descriptor"},
-    {14, "Invalid Number of SGL Descriptors"},
-    {15, "Data SGL Length Invalid"},
-    {16, "Metadata SGL Length Invalid"},
-    {17, "SGL Descriptor Type Invalid"},
-    {18, "Invalid Use of Controller Memory Buffer"},
-    {19, "PRP Offset Invalid"},
-    {20, "Atomic Write Unit Exceeded"},
-    {21, "Operation Denied"},
-    {22, "SGL Offset Invalid"},
-    {24, "Host Identifier Inconsistent Format"},
-    {25, "Keep Alive Timeout Expired"},
-    {26, "Keep Alive Timeout Invalid"},
-    {27, "Command Aborted due to Preempt and Abort"},
-    {28, "Sanitize Failed"},
-    {29, "Sanitize In Progress"},
-    {30, "SGL Data Block Granularity Invalid"},
-    {31, "Command Not Supported for Queue in CMB"},
-    {128, "LBA Out of Range"},
-    {129, "Capacity Exceeded"},
-    {130, "Namespace Not Ready"},
-    {131, "Reservation Conflict"},
-    {132, "Format In Progress"},
+    {QRX_NVME_SC_SUCCESS, "Successful Completion"},
+    {QRX_NVME_SC_INVALID_OPCODE, "Invalid Command Opcode"},
+    {QRX_NVME_SC_INVALID_FIELD, "Invalid Field in Command"},
+    {QRX_NVME_SC_CMDID_CONFLICT, "Command ID Conflict"},
+    {QRX_NVME_SC_DATA_XFER_ERROR, "Data Transfer Error"},
+    {QRX_NVME_SC_POWER_LOSS, "Commands Aborted due to Power Loss Notification"},
+    {QRX_NVME_SC_INTERNAL, "Internal Error"},
+    {QRX_NVME_SC_ABORT_REQ, "Command Abort Requested"},
+    {QRX_NVME_SC_ABORT_QUEUE, "Command Aborted due to SQ Deletion"},
+    {QRX_NVME_SC_FUSED_FAIL, "Command Aborted due to Failed Fused Command"},
+    {QRX_NVME_SC_FUSED_MISSING, "Command Aborted due to Missing Fused Command"},
+    {QRX_NVME_SC_INVALID_NS, "Invalid Namespace or Format"},
+    {QRX_NVME_SC_CMD_SEQ_ERROR, "Command Sequence Error"},
+    {QRX_NVME_SC_CMD_INVALID_SGL, "Invalid SGL Segment Descriptor"},
+    {QRX_NVME_SC_CMD_INVALID_NUM_SGL, "Invalid Number of SGL Descriptors"},
+    {QRX_NVME_SC_CMD_INVALID_SGL_DATA_LEN, "Data SGL Length Invalid"},
+    {QRX_NVME_SC_CMD_INVALID_SGL_META_LEN, "Metadata SGL Length Invalid"},
+    {QRX_NVME_SC_CMD_INVALID_SGL_TYPE, "SGL Descriptor Type Invalid"},
+    {QRX_NVME_SC_CMD_INVALID_USE_CTRL_MEM_BUFFER, "Invalid Use of Controller Memory Buffer"},
+    {QRX_NVME_SC_CMD_INVALID_PRP_OFFSET, "PRP Offset Invalid"},
+    {QRX_NVME_SC_CMD_WRITE_EXECEEDED, "Atomic Write Unit Exceeded"},
+    {QRX_NVME_SC_CMD_OP_DENIED, "Operation Denied"},
+    {QRX_NVME_SC_CMD_INVALID_SGL_OFFSET, "SGL Offset Invalid"},
+    {QRX_NVME_SC_CMD_HOST_ID_INCONSISTENT, "Host Identifier Inconsistent Format"},
+    {QRX_NVME_SC_CMD_KEEP_ALIVE_TIMEOUT_EXPIRED, "Keep Alive Timeout Expired"},
+    {QRX_NVME_SC_CMD_KEEP_ALIVE_TIMEOUT_INVALID, "Keep Alive Timeout Invalid"},
+    {QRX_NVME_SC_CMD_CMD_ABORT, "Command Aborted due to Preempt and Abort"},
+    {QRX_NVME_SC_CMD_SANITIZE_FAILED, "Sanitize Failed"},
+    {QRX_NVME_SC_CMD_SANITIZE_PROGRESS, "Sanitize In Progress"},
+    {QRX_NVME_SC_CMD_SGL_DATA_BLOCK_INVALID, "SGL Data Block Granularity Invalid"},
+    {QRX_NVME_SC_CMD_COMMAND_NOT_SUPPORT_CMB, "Command Not Supported for Queue in CMB"},
+    {QRX_NVME_SC_LBA_RANGE, "LBA Out of Range"},
+    {QRX_NVME_SC_CAP_EXCEEDED, "Capacity Exceeded"},
+    {QRX_NVME_SC_NS_NOT_READY, "Namespace Not Ready"},
+    {QRX_NVME_SC_RES_CONFLICT, "Reservation Conflict"},
+    {QRX_NVME_SC_FORMAT_IN_PROGRESS, "Format In Progress"},
 };
 
 // Command-specific codes, by the low 8 bits.
 constexpr Text kCommandTexts[] = {
-    {0, "Completion Queue Invalid"},
-    {1, "Invalid Queue Identifier"},
-    {2, "Invalid Queue Size"},
-    {3, "Abort Command Limit Exceeded"},
-    {5, "Asynchronous Event Request Limit Exceeded"},
-    {6, "Invalid Firmware Slot"},
-    {7, "Invalid Firmware Image"},
-    {8, "Invalid Interrupt Vector"},
-    {9, "Invalid Log Page"},
-    {10, "Invalid Format"},
-    {11, "Firmware Activation Requires Conventional Reset"},
-    {12, "Invalid Queue Deletion"},
-    {13, "Feature Identifier Not Saveable"},
-    {14, "Feature Not Changeable"},
-    {15, "Feature Not Namespace Specific"},
-    {16, "Firmware Activation Requires NVM Subsystem Reset"},
-    {17, "Firmware Activation Requires Reset"},
-    {18, "Firmware Activation Requires Maximum Time Violation"},
-    {19, "Firmware Activation Prohibited"},
-    {20, "Overlapping Range"},
-    {21, "Namespace Insufficient Capacity"},
-    {22, "Namespace Identifier Unavailable"},
-    {24, "Namespace Already Attached"},
-    {25, "Namespace Is Private"},
-    {26, "Namespace Not Attached"},
-    {27, "Thin Provisioning Not Supported"},
-    {28, "Controller List Invalid"},
-    {29, "Device Self-test In Progress"},
-    {30, "Boot Partition Write Prohibited"},
-    {31, "Invalid Controller Identifier"},
-    {32, "Invalid Secondary Controller State"},
-    {33, "Invalid Number of Controller Resources"},
-    {34, "Invalid Resource Identifier"},
+    {QRX_CQI, "Completion Queue Invalid"},
+    {QRX_IQI, "Invalid Queue Identifier"},
+    {QRX_IQS, "Invalid Queue Size"},
+    {QRX_ACLE, "Abort Command Limit Exceeded"},
+    {QRX_AERLE, "Asynchronous Event Request Limit Exceeded"},
+    {QRX_IFS, "Invalid Firmware Slot"},
+    {QRX_IFI, "Invalid Firmware Image"},
+    {QRX_IIV, "Invalid Interrupt Vector"},
+    {QRX_ILP, "Invalid Log Page"},
+    {QRX_IF, "Invalid Format"},
+    {QRX_FWACT_REQ_CON_RESET, "Firmware Activation Requires Conventional Reset"},
+    {QRX_IQD, "Invalid Queue Deletion"},
+    {QRX_FINS, "Feature Identifier Not Saveable"},
+    {QRX_FNC, "Feature Not Changeable"},
+    {QRX_FNNS, "Feature Not Namespace Specific"},
+    {QRX_FAR_NVM_SR, "Firmware Activation Requires NVM Subsystem Reset"},
+    {QRX_FARR, "Firmware Activation Requires Reset"},
+    {QRX_FARMTV, "Firmware Activation Requires Maximum Time Violation"},
+    {QRX_FAP, "Firmware Activation Prohibited"},
+    {QRX_OR, "Overlapping Range"},
+    {QRX_NIC, "Namespace Insufficient Capacity"},
+    {QRX_NIU, "Namespace Identifier Unavailable"},
+    {QRX_NAA, "Namespace Already Attached"},
+    {QRX_NIP, "Namespace Is Private"},
+    {QRX_NNA, "Namespace Not Attached"},
+    {QRX_TPNS, "Thin Provisioning Not Supported"},
+    {QRX_CLI, "Controller List Invalid"},
+    {QRX_DSIP, "Device Self-test In Progress"},
+    {QRX_BPWP, "Boot Partition Write Prohibited"},
+    {QRX_ICI, "Invalid Controller Identifier"},
+    {QRX_ISCS, "Invalid Secondary Controller State"},
+    {QRX_INCR, "Invalid Number of Controller Resources"},
+    {QRX_IRI, "Invalid Resource Identifier"},
 };
 
 // The firmware's own codes, by the low 8 bits. HD: a physical disk, LD: a virtual disk, BE: the back end.
@@ -139,8 +140,6 @@ const char* textOf(const Text (&table)[size], QRX_U32 code, const char* otherwis
 }
 
 constexpr QRX_U32 kStatusCode = 0xFF;         // bits of the code within its type
-constexpr QRX_U32 kVendorType = 0x700;        // all of these set: the firmware's own codes
-constexpr QRX_U32 kCommandType = 0x100;       // otherwise, this set: command-specific codes
 constexpr QRX_U32 kReportedByCaller = 65535;  // a status whose text is the caller's affair
 
 PDevice nvmeDevice(QRX_U8 adapter_id)
@@ -196,9 +195,9 @@ void _showStatusCode(QRX_U32 statusCode)
         return;
     }
     const char* text = nullptr;
-    if ((statusCode & kVendorType) == kVendorType) {
+    if ((statusCode & kStatusVendor) == kStatusVendor) {
         text = _vcErrorMessage(statusCode);
-    } else if ((statusCode & kCommandType) != 0) {
+    } else if ((statusCode & kStatusCommandSpecific) != 0) {
         text = _cssErrorMessage(statusCode);
     } else {
         text = textOf(kGenericTexts, statusCode, "Unknown Status");
