@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "api/src/device/common/DeviceManagement.h"
+#include "api/src/device/common/PairCMDDevice.h"
 
 namespace qrx::test {
 namespace {
@@ -88,23 +89,6 @@ void closeScripted(PDevice _this)
 PDevice ownNvmeDevice(PDevice _this)
 {
     return _this;
-}
-
-// The pair device in front of a scripted one: the holder of the identity, and nothing else.
-struct PairFront : Device {
-    PDevice nvme = nullptr;
-};
-
-PDevice pairedNvmeDevice(PDevice _this)
-{
-    return static_cast<PairFront*>(_this)->nvme;
-}
-
-void closePair(PDevice _this)
-{
-    auto* front = static_cast<PairFront*>(_this);
-    front->nvme->closeHandle(front->nvme);
-    delete front;
 }
 
 void putText(char* field, std::size_t size, const std::string& text)
@@ -320,10 +304,7 @@ unsigned ScriptedMachine::addController(const Identity& identity)
 {
     PDeviceManagement table = GetDeviceManagementInstance();
     const unsigned slot = table->m_count;
-    auto* front = new PairFront{};
-    front->nvme = makeDevice(slot);
-    front->closeHandle = closePair;
-    front->getNVMEDevice = pairedNvmeDevice;
+    PDevice front = CreatePairCMDDeviceInstance(makeDevice(slot));
     putText(front->bus_dev_fun, sizeof(front->bus_dev_fun), identity.bdf);
     putText(front->device_path, sizeof(front->device_path), identity.path);
     putText(front->subnqn, sizeof(front->subnqn), identity.subnqn);
