@@ -1,0 +1,38 @@
+// The controller's clock. It runs on simulated time: it moves when it is told to, and never by itself.
+#pragma once
+
+#include <chrono>
+
+#include "api/src/interface/wire/types.h"
+
+namespace qrx::sim {
+
+class Clock {
+public:
+    using Duration = std::chrono::milliseconds;
+
+    // 2026-01-01 00:00:00 UTC, until somebody sets it.
+    static constexpr QRX_U64 kPowerOn = 1767225600000ULL;
+
+    QRX_U64 milliseconds = kPowerOn;  // since the epoch, UTC
+    bool set = false;                 // a host has set it since power-on
+
+    friend bool operator==(const Clock&, const Clock&) = default;
+
+    [[nodiscard]] QRX_U64 seconds() const { return milliseconds / 1000; }
+
+    void advance(Duration duration) { milliseconds += static_cast<QRX_U64>(duration.count()); }
+
+    // Sets the clock and returns the simulated time that has thereby gone by. The first setting only tells the
+    // controller the time of day; a later one, forward, tells it how long it has been running unobserved.
+    Duration set_to(QRX_U64 new_milliseconds)
+    {
+        const bool passes = set && new_milliseconds > milliseconds;
+        const QRX_U64 passed = passes ? new_milliseconds - milliseconds : 0;
+        milliseconds = new_milliseconds;
+        set = true;
+        return Duration(passed);
+    }
+};
+
+}  // namespace qrx::sim

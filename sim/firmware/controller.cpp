@@ -1,0 +1,114 @@
+#include "sim/firmware/controller.h"
+
+#include <algorithm>
+
+#include "api/src/interface/wire/command.h"
+#include "sim/firmware/text.h"
+
+namespace qrx::sim {
+
+namespace {
+
+constexpr auto kOpcodes = std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead)});
+
+}  // namespace
+
+Controller::Controller()
+{
+    vendor_id = kControllerVendorId;
+    device_id = kControllerDeviceId;
+    subsystem_vendor_id = kControllerVendorId;
+    model = "QRX NVMe RAID Controller";
+}
+
+const Drive* Controller::find_drive(QRX_U32 id) const
+{
+    const auto found = std::find_if(drives.begin(), drives.end(), [id](const Drive& drive) { return drive.id == id; });
+    return found == drives.end() ? nullptr : &*found;
+}
+
+const VirtualDisk* Controller::find_virtual_disk(QRX_U32 id) const
+{
+    const auto found =
+        std::find_if(virtual_disks.begin(), virtual_disks.end(), [id](const VirtualDisk& vd) { return vd.id == id; });
+    return found == virtual_disks.end() ? nullptr : &*found;
+}
+
+bool Controller::assigned(QRX_U16 pd) const
+{
+    return std::any_of(virtual_disks.begin(), virtual_disks.end(), [pd](const VirtualDisk& vd) { return vd.uses(pd); });
+}
+
+NVME_PD_Info Controller::pd_record(const Drive& drive) const
+{
+    const bool patrolled = std::any_of(virtual_disks.begin(), virtual_disks.end(),
+                                       [&](const VirtualDisk& vd) { return vd.uses(drive.id) && vd.patrolling(); });
+    return drive.record(assigned(drive.id), patrolled);
+}
+
+NVME_VD_Info Controller::vd_record(const VirtualDisk& vd) const
+{
+    std::array<QRX_U8, kMaxNamespaces> nsids{};
+    std::size_t count = 0;
+    for (const Namespace& ns : namespaces) {
+        if (ns.parent_kind == kNsParentVd && ns.parent == vd.id && count < nsids.size()) {
+            nsids[count++] = ns.nsid;
+        }
+    }
+    return vd.record(std::span(nsids).first(count));
+}
+
+NVME_NS_Info Controller::ns_record(const Namespace& ns) const
+{
+    const VirtualDisk* const parent = ns.parent_kind == kNsParentVd ? find_virtual_disk(ns.parent) : nullptr;
+    return ns.record(parent != nullptr ? parent->status : kVdFunctional);
+}
+
+_hba_info Controller::hba_info() const
+{
+    _hba_info info{};
+    settings.fill(info);
+    info.raid.Raid_Setting.Auto_Rebuild_On = config.auto_rebuild;
+    info.raid.Raid_Setting.RAID_Feature = adapter.background;
+    info.raid.Raid_Setting.Bga_Rate = config.rate;
+    info.raid.Raid_Setting.RAID_Mode = adapter.raid() ? 1 : 0;
+    info.adatper.vendor_id = vendor_id;
+    info.adatper.device_id = device_id;
+    info.adatper.subvendor_id = adapter.subsystem_vendor_id;
+    info.adatper.subdevice_id = adapter.subsystem_device_id;
+    pad_with_blanks(info.adatper.id_ctrl_sn, serial);
+    seal(info);
+    return info;
+}
+
+std::span<const QRX_U8> Controller::vendor_opcodes() const
+{
+    return kOpcodes;
+}
+
+NvmeFunction::Capacity Controller::capacity() const
+{
+    Capacity capacity;
+    for (const Drive& drive : drives) {
+        const bool holds_namespace = std::any_of(namespaces.begin(), namespaces.end(), [&](const Namespace& ns) {
+            return ns.parent_kind == kNsParentPd && ns.parent == drive.id;
+        });
+        capacity.total += drive.bytes();
+        if (!holds_namespace && !assigned(drive.id)) {
+            capacity.unallocated += drive.bytes();
+        }
+    }
+    return capacity;
+}
+
+void Controller::advance_back_end(Clock::Duration passed)
+{
+    for (Drive& drive : drives) {
+        drive.advance(passed);
+    }
+    for (VirtualDisk& vd : virtual_disks) {
+        vd.advance(passed);
+    }
+}
+
+}  // namespace qrx::sim

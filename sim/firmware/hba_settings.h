@@ -1,0 +1,37 @@
+// The settings that the controller keeps in its flash, beside those that other things of the model hold.
+#pragma once
+
+#include "api/src/interface/wire/hba_info.h"
+#include "api/src/interface/wire/types.h"
+
+namespace qrx::sim {
+
+struct HbaSettings {
+    bool debug_dump = false;   // debug messages go to the SPI log
+    bool flash_tools = false;  // manufacturing flash tool
+    bool sriov = false;
+    bool vpd_in_spi = false;   // VPD lies in the SPI flash, not in the EEPROM
+    bool errors_only = false;  // log level
+    bool dsp = true;
+    QRX_U32 nguid_offset = 0;
+    QRX_U8 fuse_id = 0;
+    QRX_U8 max_vf = 32;
+    QRX_U8 max_namespaces = 32;
+    bool virtual_namespaces = false;
+    QRX_U8 firmware_slot = 0;
+    QRX_U32 gpio_enable = 0x00000F0F;
+    QRX_U32 gpio_levels = 0x00000F00;
+    QRX_U32 gpio_values = 0x00000101;
+    bool gpio_from_settings = true;  // the pins are set from here at the next boot
+    QRX_U8 gpio_inverse = 0;         // GPIO 8 to 11, a bit for each
+
+    friend bool operator==(const HbaSettings&, const HbaSettings&) = default;
+
+    // Fills the parts of the stored record that these settings own, all but its checksum.
+    void fill(_hba_info& info) const;
+};
+
+// Makes the 32-bit words of the record sum to 0.
+void seal(_hba_info& info);
+
+}  // namespace qrx::sim

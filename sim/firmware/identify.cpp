@@ -1,0 +1,162 @@
+// Identify of an NVMe function.
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "api/src/interface/wire/buffer.h"
+#include "sim/firmware/nvme_function.h"
+#include "sim/firmware/text.h"
+
+namespace qrx::sim {
+
+namespace {
+
+constexpr QRX_U32 kBroadcast = 0xFFFFFFFF;
+constexpr QRX_U32 kVersion = 0x00010400;  // NVMe 1.4
+// The maker's OUI, low byte first. Its second bit marks it as administered locally: it belongs to no maker.
+constexpr std::array<QRX_U8, 3> kOui{0x58, 0x51, 0x02};
+
+constexpr QRX_U8 kCnsNamespace = 0x00;
+constexpr QRX_U8 kCnsController = 0x01;
+constexpr QRX_U8 kCnsActiveList = 0x02;
+constexpr QRX_U8 kCnsDescriptors = 0x03;
+constexpr QRX_U8 kCnsAllocatedList = 0x10;
+constexpr QRX_U8 kCnsAllocatedNamespace = 0x11;
+constexpr QRX_U8 kCnsAttachedControllers = 0x12;
+constexpr QRX_U8 kCnsControllers = 0x13;
+
+bool all_zero(std::span<const QRX_U8> bytes)
+{
+    return std::all_of(bytes.begin(), bytes.end(), [](QRX_U8 byte) { return byte == 0; });
+}
+
+// Hands over as much of a page as the host's buffer takes.
+template <class Page>
+Completion deliver(const Page& page, std::span<QRX_U8> data)
+{
+    static_assert(sizeof(Page) == wire::kPageSize);
+    const std::size_t length = std::min(data.size(), sizeof(page));
+    if (length != 0) {
+        std::memcpy(data.data(), &page, length);
+    }
+    return complete(status::kSuccess);
+}
+
+}  // namespace
+
+nvme_id_ctrl NvmeFunction::identify_controller() const
+{
+    const Capacity bytes = capacity();
+    nvme_id_ctrl id{};
+    id.vid = vendor_id;
+    id.ssvid = subsystem_vendor_id;
+    pad_with_blanks(id.sn, serial);
+    pad_with_blanks(id.mn, model);
+    pad_with_blanks(id.fr, slots.running());
+    id.rab = 6;
+    std::copy(kOui.begin(), kOui.end(), std::begin(id.ieee));
+    id.mdts = kMaxTransferPages;
+    id.cntlid = controller_id;
+    id.ver = kVersion;
+    id.rtd3r = 5000000;
+    id.rtd3e = 8000000;
+    id.cntrltype = 1;  // an I/O controller
+    id.acl = 3;
+    id.aerl = 0;                                      // one asynchronous event request
+    id.frmw = static_cast<QRX_U8>(slots.count << 1);  // slots; slot 1 may be written
+    id.lpa = 0x06;                                    // commands supported log; extended log page fields
+    id.elpe = static_cast<QRX_U8>(ErrorLog::kEntries - 1);
+    id.wctemp = 343;
+    id.cctemp = 358;
+    std::memcpy(id.tnvmcap, &bytes.total, sizeof(bytes.total));
+    std::memcpy(id.unvmcap, &bytes.unallocated, sizeof(bytes.unallocated));
+    id.sqes = 0x66;
+    id.cqes = 0x44;
+    id.nn = max_namespaces();
+    id.oncs = 0x59;  // compare, write zeroes, select field of features, timestamp
+    id.vwc = 0x07;   // volatile write cache; flush takes all namespaces at once
+    pad_with_zeros(id.subnqn, subnqn);
+    id.psd[0].mp = 2500;  // 25.00 W
+    return id;
+}
+
+Completion NvmeFunction::identify(const nvme_admin_cmd& command, std::span<QRX_U8> data) const
+{
+    const auto cns = static_cast<QRX_U8>(command.cdw10);
+    const QRX_U32 nsid = command.nsid;
+    const bool possible = nsid != 0 && nsid <= max_namespaces();
+    const Namespace* const ns = find_namespace(*this, nsid);
+    const bool allocated = ns != nullptr && ns->valid;
+    switch (cns) {
+    case kCnsController:
+        return deliver(identify_controller(), data);
+    case kCnsNamespace:
+    case kCnsAllocatedNamespace:
+        if (!possible) {
+            return complete(status::kInvalidNamespace);
+        }
+        // An id that may exist and does not, or is not attached, is told by a page of zeros.
+        return allocated && (ns->active || cns == kCnsAllocatedNamespace) ? deliver(ns->identify(), data)
+                                                                          : deliver(_nvme_id_ns{}, data);
+    case kCnsActiveList:
+        return identify_namespaces(nsid, false, data);
+    case kCnsAllocatedList:
+        return identify_namespaces(nsid, true, data);
+    case kCnsDescriptors:
+        return allocated && ns->active ? identify_descriptors(nsid, data) : complete(status::kInvalidNamespace);
+    case kCnsAttachedControllers:
+        if (!allocated) {
+            return complete(possible ? status::kInvalidField : status::kInvalidNamespace);
+        }
+        return ns->active ? identify_controllers(command.cdw10 >> 16, data) : deliver(_controller_list_format{}, data);
+    case kCnsControllers:
+        return identify_controllers(command.cdw10 >> 16, data);
+    default:
+        return complete(status::kInvalidField);
+    }
+}
+
+Completion NvmeFunction::identify_descriptors(QRX_U32 nsid, std::span<QRX_U8> page) const
+{
+    std::array<QRX_U8, wire::kPageSize> descriptors{};
+    std::size_t offset = 0;
+    const auto append = [&](QRX_U8 type, std::span<const QRX_U8> identifier) {
+        if (!all_zero(identifier)) {
+            descriptors[offset] = type;
+            descriptors[offset + 1] = static_cast<QRX_U8>(identifier.size());
+            std::copy(identifier.begin(), identifier.end(), descriptors.begin() + static_cast<long>(offset) + 4);
+            offset += 4 + identifier.size();
+        }
+    };
+    const Namespace* const ns = find_namespace(*this, nsid);
+    append(1, ns->eui64);
+    append(2, ns->nguid);
+    return deliver(descriptors, page);
+}
+
+Completion NvmeFunction::identify_namespaces(QRX_U32 after, bool allocated, std::span<QRX_U8> page) const
+{
+    if (after >= kBroadcast - 1) {
+        return complete(status::kInvalidNamespace);
+    }
+    std::array<QRX_U32, wire::kPageSize / sizeof(QRX_U32)> list{};
+    std::size_t count = 0;
+    for (const Namespace& ns : namespaces) {
+        if (ns.nsid > after && ns.valid && (allocated || ns.active)) {
+            list[count++] = ns.nsid;
+        }
+    }
+    return deliver(list, page);
+}
+
+Completion NvmeFunction::identify_controllers(QRX_U32 from, std::span<QRX_U8> page) const
+{
+    _controller_list_format list{};
+    if (controller_id >= from) {
+        list.num_of_id = 1;
+        list.id[0] = controller_id;
+    }
+    return deliver(list, page);
+}
+
+}  // namespace qrx::sim

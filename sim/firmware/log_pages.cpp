@@ -1,0 +1,99 @@
+// Get Log Page of an NVMe function.
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "sim/firmware/nvme_function.h"
+#include "sim/firmware/opcodes.h"
+
+namespace qrx::sim {
+
+namespace {
+
+constexpr QRX_U8 kLogSupportedPages = 0x00;
+constexpr QRX_U8 kLogErrors = 0x01;
+constexpr QRX_U8 kLogHealth = 0x02;
+constexpr QRX_U8 kLogFirmwareSlots = 0x03;
+constexpr QRX_U8 kLogCommands = 0x05;
+constexpr QRX_U32 kBroadcast = 0xFFFFFFFF;
+constexpr QRX_U32 kSupported = 1;  // bit 0 of an entry of the commands and the supported pages logs
+constexpr QRX_U32 kChangesContent = 1U << 1;
+
+// Delivers `length` bytes from `offset` of a log page; zeros where the host asks for more than the page has.
+template <class Page>
+Completion deliver(const Page& page, QRX_U64 offset, QRX_U64 length, std::span<QRX_U8> data)
+{
+    if (offset > sizeof(page)) {
+        return complete(status::kInvalidField);
+    }
+    data = data.first(static_cast<std::size_t>(std::min<QRX_U64>(data.size(), length)));
+    const std::size_t held = std::min(data.size(), sizeof(page) - static_cast<std::size_t>(offset));
+    if (held != 0) {
+        std::array<QRX_U8, sizeof(page)> bytes{};
+        std::memcpy(bytes.data(), &page, sizeof(page));
+        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(offset), held, data.begin());
+    }
+    std::fill(data.begin() + static_cast<std::ptrdiff_t>(held), data.end(), QRX_U8{0});
+    return complete(status::kSuccess);
+}
+
+std::array<QRX_U32, 256> supported_pages()
+{
+    std::array<QRX_U32, 256> pages{};
+    for (const QRX_U8 page : {kLogSupportedPages, kLogErrors, kLogHealth, kLogFirmwareSlots, kLogCommands}) {
+        pages[page] = kSupported;
+    }
+    return pages;
+}
+
+}  // namespace
+
+Completion NvmeFunction::get_log_page(const nvme_admin_cmd& command, std::span<QRX_U8> data) const
+{
+    const auto page = static_cast<QRX_U8>(command.cdw10);
+    const QRX_U64 length = ((QRX_U64{command.cdw11 & 0xFFFF} << 16 | command.cdw10 >> 16) + 1) * 4;
+    const QRX_U64 offset = QRX_U64{command.cdw13} << 32 | command.cdw12;
+    if (offset % 4 != 0) {
+        return complete(status::kInvalidField);
+    }
+    switch (page) {
+    case kLogSupportedPages:
+        return deliver(supported_pages(), offset, length, data);
+    case kLogErrors:
+        return deliver(errors.log(), offset, length, data);
+    case kLogHealth:
+        // There is one health log for the whole device, and none for a single namespace.
+        if (command.nsid != 0 && command.nsid != kBroadcast) {
+            return complete(status::kInvalidField);
+        }
+        return deliver(health.log(errors.count), offset, length, data);
+    case kLogFirmwareSlots:
+        return deliver(slots.log(), offset, length, data);
+    case kLogCommands:
+        return deliver(effects_log(), offset, length, data);
+    default:
+        return complete(status::kInvalidLogPage);
+    }
+}
+
+nvme_effects_log NvmeFunction::effects_log() const
+{
+    nvme_effects_log log{};
+    for (const QRX_U8 opcode : {admin::kDeleteSubmissionQueue, admin::kCreateSubmissionQueue, admin::kGetLogPage,
+                                admin::kDeleteCompletionQueue, admin::kCreateCompletionQueue, admin::kIdentify,
+                                admin::kAbort, admin::kSetFeatures, admin::kGetFeatures, admin::kAsynchronousEvent}) {
+        log.acs[opcode] = kSupported;
+    }
+    for (const QRX_U8 opcode : vendor_opcodes()) {
+        log.acs[opcode] = kSupported;
+    }
+    for (const QRX_U8 opcode : {nvm::kFlush, nvm::kRead, nvm::kCompare}) {
+        log.iocs[opcode] = kSupported;
+    }
+    for (const QRX_U8 opcode : {nvm::kWrite, nvm::kWriteZeroes}) {
+        log.iocs[opcode] = kSupported | kChangesContent;
+    }
+    return log;
+}
+
+}  // namespace qrx::sim

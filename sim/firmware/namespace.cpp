@@ -1,0 +1,78 @@
+#include "sim/firmware/namespace.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "sim/firmware/text.h"
+
+namespace qrx::sim {
+
+namespace {
+
+bool present(std::span<const QRX_U8> identifier)
+{
+    return std::any_of(identifier.begin(), identifier.end(), [](QRX_U8 byte) { return byte != 0; });
+}
+
+}  // namespace
+
+void Namespace::derive_identifiers(std::string_view serial)
+{
+    // The second bit of the first byte marks an address that is administered locally: it belongs to no maker.
+    static constexpr std::array<QRX_U8, 3> kOui{0x02, 0x51, 0x58};
+    const QRX_U64 hash = stable_hash(serial, nsid);
+    std::copy(kOui.begin(), kOui.end(), eui64.begin());
+    std::memcpy(eui64.data() + 3, &hash, 4);
+    eui64[7] = nsid;
+    nguid.fill(0);
+    std::memcpy(nguid.data(), &hash, 8);
+    std::copy(eui64.begin(), eui64.end(), nguid.begin() + 8);
+}
+
+NVME_NS_Info Namespace::record(QRX_U8 parent_status) const
+{
+    NVME_NS_Info info{};
+    info.NSID = nsid;
+    info.device_type = parent_kind;
+    info.ID = parent;
+    info.Status =
+        static_cast<QRX_U8>((valid ? kNsValid : 0) | (waiting ? kNsWaitsForAttach : 0) | (active ? kNsActive : 0));
+    info.VDStatus = parent_status;
+    info.LBADataSize = static_cast<QRX_U8>(std::countr_zero(sector_size));
+    info.SectorSize = sector_size;
+    info.LBA = sectors;
+    return info;
+}
+
+NMIC_Data Namespace::sharing() const
+{
+    NMIC_Data state{};
+    state.mode = shared ? 1 : 0;
+    state.ctrlID = shared ? QRX_U8{0} : owner;
+    return state;
+}
+
+_nvme_id_ns Namespace::identify() const
+{
+    _nvme_id_ns id{};
+    id.nsze = sectors;
+    id.ncap = sectors;
+    id.nuse = sectors;
+    id.nmic = shared ? 1 : 0;
+    id.dlfeat = 1;  // sectors that were never written read as zeros
+    const QRX_U64 bytes = sectors * sector_size;
+    std::memcpy(id.nvmcap, &bytes, sizeof(bytes));
+    std::copy(nguid.begin(), nguid.end(), std::begin(id.nguid));
+    std::copy(eui64.begin(), eui64.end(), std::begin(id.eui64));
+    id.lbaf[0].ds = static_cast<QRX_U8>(std::countr_zero(sector_size));
+    return id;
+}
+
+NamespaceNode Namespace::node() const
+{
+    const std::string uuid = present(nguid) ? to_hex(nguid) : present(eui64) ? to_hex(eui64) : std::string();
+    return {nsid, sectors, sector_size, uuid};
+}
+
+}  // namespace qrx::sim

@@ -1,0 +1,40 @@
+// A namespace: what the host sees as a block device.
+#pragma once
+
+#include <array>
+#include <string_view>
+
+#include "api/src/interface/wire/ns.h"
+#include "api/src/interface/wire/nvme.h"
+#include "sim/firmware/host.h"
+#include "sim/firmware/sparse_store.h"
+
+namespace qrx::sim {
+
+struct Namespace {
+    QRX_U8 nsid = 1;
+    QRX_U8 parent_kind = kNsParentVd;
+    QRX_U16 parent = 0;  // id of the virtual or physical disk
+    bool valid = true;
+    bool waiting = false;  // for its attachment to the host
+    bool active = true;    // attached
+    QRX_U64 sectors = 0;
+    QRX_U32 sector_size = 512;  // bytes: 512 or 4096
+    bool shared = false;        // between controllers
+    QRX_U8 owner = 0;           // the controller it is private to
+    std::array<QRX_U8, 16> nguid{};
+    std::array<QRX_U8, 8> eui64{};
+    SparseStore data;
+
+    friend bool operator==(const Namespace&, const Namespace&) = default;
+
+    // Gives it identifiers of its own, made from the serial number of its controller.
+    void derive_identifiers(std::string_view serial);
+    // `parent_status`: the status code of the virtual disk it lies on, 0 on a physical disk.
+    [[nodiscard]] NVME_NS_Info record(QRX_U8 parent_status) const;
+    [[nodiscard]] NMIC_Data sharing() const;
+    [[nodiscard]] _nvme_id_ns identify() const;
+    [[nodiscard]] NamespaceNode node() const;
+};
+
+}  // namespace qrx::sim

@@ -1,0 +1,115 @@
+// The dispatch of standard commands; Identify, logs, features and I/O have files of their own.
+#include "sim/firmware/nvme_function.h"
+
+#include "sim/firmware/opcodes.h"
+
+namespace qrx::sim {
+
+namespace {
+
+// Commands that reach the model through the driver carry no identifier of their own, so entries of the error log
+// are told apart by their number alone.
+constexpr QRX_U16 kUnknownCommandId = 0;
+constexpr QRX_U8 kFirstVendorOpcode = 0xC0;
+
+}  // namespace
+
+Completion NvmeFunction::execute_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data)
+{
+    const Completion completion = admin(command, data);
+    if (completion.status != status::kSuccess) {
+        log_error(0, command, completion, 0);
+    }
+    return completion;
+}
+
+Completion NvmeFunction::execute_io(const nvme_admin_cmd& command, std::span<QRX_U8> data)
+{
+    const Completion completion = io(command, data);
+    if (completion.status != status::kSuccess) {
+        log_error(1, command, completion, QRX_U64{command.cdw11} << 32 | command.cdw10);
+    }
+    return completion;
+}
+
+Completion NvmeFunction::admin(const nvme_admin_cmd& command, std::span<QRX_U8> data)
+{
+    switch (command.opcode) {
+    case admin::kIdentify:
+        return identify(command, data);
+    case admin::kGetLogPage:
+        return get_log_page(command, data);
+    case admin::kGetFeatures:
+        return get_features(command, data);
+    case admin::kSetFeatures:
+        return set_features(command, data);
+    case admin::kAbort:
+        return complete(status::kSuccess, 1);  // nothing is in flight: not aborted
+    case admin::kAsynchronousEvent:
+        return complete(status::kAerLimitExceeded);  // the driver holds the one that may be outstanding
+    case admin::kDeleteSubmissionQueue:
+    case admin::kCreateSubmissionQueue:
+    case admin::kDeleteCompletionQueue:
+    case admin::kCreateCompletionQueue:
+        return complete(status::kInvalidQueueId);  // all queues are the driver's
+    default:
+        break;
+    }
+    return command.opcode >= kFirstVendorOpcode ? vendor_admin(command, data) : complete(status::kInvalidOpcode);
+}
+
+Completion NvmeFunction::vendor_admin(const nvme_admin_cmd& /*command*/, std::span<QRX_U8> /*data*/)
+{
+    return complete(status::kInvalidOpcode);
+}
+
+NvmeFunction::Capacity NvmeFunction::capacity() const
+{
+    Capacity capacity;
+    for (const Namespace& ns : namespaces) {
+        capacity.total += ns.sectors * ns.sector_size;
+    }
+    return capacity;
+}
+
+ControllerNode NvmeFunction::node() const
+{
+    ControllerNode node;
+    node.number = number;
+    node.address = address.text();
+    node.vendor_id = vendor_id;
+    node.device_id = device_id;
+    node.controller_id = controller_id;
+    node.slot_id = slot;
+    node.model = model;
+    node.serial = serial;
+    node.firmware = slots.running();
+    node.subnqn = subnqn;
+    for (const Namespace& ns : namespaces) {
+        if (ns.valid && ns.active) {
+            node.namespaces.push_back(ns.node());
+        }
+    }
+    return node;
+}
+
+void NvmeFunction::advance(Clock::Duration passed)
+{
+    clock.advance(passed);
+    health.advance(passed);
+    advance_back_end(passed);
+}
+
+void NvmeFunction::set_clock(QRX_U64 milliseconds)
+{
+    const Clock::Duration passed = clock.set_to(milliseconds);
+    health.advance(passed);
+    advance_back_end(passed);
+}
+
+void NvmeFunction::log_error(QRX_U16 queue, const nvme_admin_cmd& command, const Completion& completion, QRX_U64 lba)
+{
+    errors.add({0, queue, kUnknownCommandId, completion.status, lba, command.nsid});
+}
+
+}  // namespace qrx::sim

@@ -1,0 +1,107 @@
+// One NVMe controller as the host's stock driver sees it: Identify, logs, features, namespaces and their data.
+// The RAID controller adds its vendor commands; an SSD of another maker is this and no more.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "sim/firmware/clock.h"
+#include "sim/firmware/error_log.h"
+#include "sim/firmware/features.h"
+#include "sim/firmware/firmware_slots.h"
+#include "sim/firmware/health.h"
+#include "sim/firmware/host.h"
+#include "sim/firmware/namespace.h"
+#include "sim/firmware/pci_address.h"
+#include "sim/firmware/status.h"
+
+namespace qrx::sim {
+
+class NvmeFunction {
+public:
+    virtual ~NvmeFunction() = default;
+
+    unsigned number = 0;  // the N of /dev/nvme<N>
+    PciAddress address{0, 3, 0, 0};
+    QRX_U16 slot = 1;  // System Slot
+    QRX_U16 vendor_id = 0;
+    QRX_U16 device_id = 0;
+    QRX_U16 subsystem_vendor_id = 0;
+    QRX_U16 controller_id = 0;
+    std::string model;   // at most 40 letters
+    std::string serial;  // at most 20 letters
+    std::string subnqn;  // at most 223 letters
+    FirmwareSlots slots;
+    Health health;
+    ErrorLog errors;
+    Features features;
+    Clock clock;
+    std::vector<Namespace> namespaces;  // in order of nsid
+
+    friend bool operator==(const NvmeFunction&, const NvmeFunction&) = default;
+
+    // Carry out a command; one that fails enters the error log.
+    Completion execute_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    Completion execute_io(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+
+    [[nodiscard]] ControllerNode node() const;
+    // Lets simulated time go by.
+    void advance(Clock::Duration passed);
+
+    // The namespace, or null. `of` may be const.
+    template <class Function>
+    [[nodiscard]] static auto find_namespace(Function& of, QRX_U32 nsid) -> decltype(of.namespaces.data())
+    {
+        for (auto& candidate : of.namespaces) {
+            if (candidate.nsid == nsid) {
+                return &candidate;
+            }
+        }
+        return nullptr;
+    }
+
+    // Most pages of one transfer, as a power of two.
+    static constexpr QRX_U8 kMaxTransferPages = 5;
+
+protected:
+    struct Capacity {
+        QRX_U64 total = 0;  // bytes
+        QRX_U64 unallocated = 0;
+    };
+
+    NvmeFunction() = default;
+    NvmeFunction(const NvmeFunction&) = default;
+    NvmeFunction(NvmeFunction&&) = default;
+    NvmeFunction& operator=(const NvmeFunction&) = default;
+    NvmeFunction& operator=(NvmeFunction&&) = default;
+
+    // A command whose opcode is in the vendor's range.
+    virtual Completion vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    // The vendor opcodes that vendor_admin knows.
+    [[nodiscard]] virtual std::span<const QRX_U8> vendor_opcodes() const { return {}; }
+    [[nodiscard]] virtual Capacity capacity() const;
+    // Highest namespace id that may exist.
+    [[nodiscard]] virtual QRX_U32 max_namespaces() const { return 1; }
+    // Lets time go by for all that is behind the function. Called by advance.
+    virtual void advance_back_end(Clock::Duration /*passed*/) {}
+    // Sets the clock; what the setting says about the time gone by reaches all that depends on it.
+    void set_clock(QRX_U64 milliseconds);
+
+private:
+    Completion admin(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    Completion io(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    Completion identify(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
+    Completion identify_descriptors(QRX_U32 nsid, std::span<QRX_U8> page) const;
+    Completion identify_namespaces(QRX_U32 after, bool allocated, std::span<QRX_U8> page) const;
+    Completion identify_controllers(QRX_U32 from, std::span<QRX_U8> page) const;
+    [[nodiscard]] nvme_id_ctrl identify_controller() const;
+    Completion get_log_page(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
+    [[nodiscard]] nvme_effects_log effects_log() const;
+    Completion get_features(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
+    Completion set_features(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    Completion transfer(Namespace& target, const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    void log_error(QRX_U16 queue, const nvme_admin_cmd& command, const Completion& completion, QRX_U64 lba);
+};
+
+}  // namespace qrx::sim

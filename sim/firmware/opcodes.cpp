@@ -1,0 +1,131 @@
+#include "sim/firmware/opcodes.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "api/src/interface/wire/command.h"
+
+namespace qrx::sim {
+
+namespace {
+
+struct Name {
+    QRX_U16 code;
+    const char* text;
+};
+
+constexpr auto kAdminNames = std::to_array<Name>({
+    {admin::kDeleteSubmissionQueue, "delete-sq"},
+    {admin::kCreateSubmissionQueue, "create-sq"},
+    {admin::kGetLogPage, "get-log-page"},
+    {admin::kDeleteCompletionQueue, "delete-cq"},
+    {admin::kCreateCompletionQueue, "create-cq"},
+    {admin::kIdentify, "identify"},
+    {admin::kAbort, "abort"},
+    {admin::kSetFeatures, "set-features"},
+    {admin::kGetFeatures, "get-features"},
+    {admin::kAsynchronousEvent, "async-event"},
+    {0x0D, "ns-management"},
+    {0x10, "firmware-commit"},
+    {0x11, "firmware-download"},
+    {0x14, "self-test"},
+    {0x15, "ns-attachment"},
+    {0x18, "keep-alive"},
+    {0x1C, "virtualization-management"},
+    {0x1D, "mi-send"},
+    {0x1E, "mi-receive"},
+    {0x80, "format"},
+    {0x81, "security-send"},
+    {0x82, "security-receive"},
+    {0x84, "sanitize"},
+    {kTunnelFromDrive, "tunnel-from-drive"},
+    {kTunnelToDrive, "tunnel-to-drive"},
+    {kVendorWrite, "vendor-write"},
+    {kPairSend, "pair-send"},
+    {kPairReceive, "pair-receive"},
+    {kVendorRead, "vendor-read"},
+});
+
+constexpr auto kIoNames = std::to_array<Name>({
+    {nvm::kFlush, "flush"},
+    {nvm::kWrite, "write"},
+    {nvm::kRead, "read"},
+    {0x04, "write-uncorrectable"},
+    {nvm::kCompare, "compare"},
+    {nvm::kWriteZeroes, "write-zeroes"},
+    {0x09, "dataset-management"},
+});
+
+constexpr auto kVendorNames = std::to_array<Name>({
+    {vendor::kReadAdapterInfo, "read-adapter-info"},
+    {vendor::kReadAdapterConfig, "read-adapter-config"},
+    {vendor::kWriteAdapterConfig, "write-adapter-config"},
+    {vendor::kSetTime, "set-time"},
+    {0x04E0, "read-oem-data"},
+    {0x07E0, "led-end-point"},
+    {0x08E0, "spi-write"},
+    {0x09E0, "read-pcie-register"},
+    {0x0AE0, "write-pcie-register"},
+    {0x0BE0, "activate-firmware"},
+    {0x0DE0, "manufacture-flash-tool"},
+    {0x0EE0, "sriov-switch"},
+    {vendor::kReadHbaInfo, "read-hba-info"},
+    {0x10E0, "switch-vpd-target"},
+    {0x11E0, "gpio-setting"},
+    {0x12E0, "debug-level"},
+    {0x13E0, "write-oem-data"},
+    {0x14E0, "i2c-test"},
+    {0x15E0, "protection-area"},
+    {0x19E0, "set-inverse"},
+    {0x1AE0, "get-inverse"},
+    {vendor::kReadPdInfo, "read-pd-info"},
+    {0x07E1, "led-root-complex"},
+    {0x08E1, "reset-back-end"},
+    {0x09E1, "import-ns-table"},
+    {vendor::kReadVdInfo, "read-vd-info"},
+    {0x03E2, "create-vd"},
+    {0x04E2, "delete-vd"},
+    {0x06E2, "import-vd"},
+    {vendor::kReadBgaStatus, "read-bga-status"},
+    {0x04E3, "stop-bga"},
+    {0x06E3, "start-initialization"},
+    {0x07E3, "start-rebuild"},
+    {0x0AE3, "start-media-patrol"},
+    {vendor::kReadNsList, "read-ns-list"},
+    {vendor::kReadNsListOfVd, "read-ns-list-of-vd"},
+    {0x02E5, "initialize-ns"},
+    {0x03E5, "set-ns-sharing"},
+    {0x04E5, "create-ns"},
+    {vendor::kReadNsSharing, "read-ns-sharing"},
+    {0x08E5, "ns-smart-log"},
+    {0x00FE, "read-spi-log"},
+    {0x02FE, "read-log-status"},
+    {0x03FE, "log-switch"},
+    {0x04FE, "read-events"},
+});
+
+const char* find(std::span<const Name> names, QRX_U16 code)
+{
+    const auto found = std::find_if(names.begin(), names.end(), [&](const Name& name) { return name.code == code; });
+    return found == names.end() ? "unknown" : found->text;
+}
+
+}  // namespace
+
+const char* admin_opcode_name(QRX_U8 opcode)
+{
+    return find(kAdminNames, opcode);
+}
+
+const char* io_opcode_name(QRX_U8 opcode)
+{
+    return find(kIoNames, opcode);
+}
+
+const char* vendor_command_name(QRX_U16 command)
+{
+    return find(kVendorNames, command);
+}
+
+}  // namespace qrx::sim

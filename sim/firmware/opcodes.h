@@ -1,0 +1,62 @@
+// Opcodes of the standard commands that the model knows, and the names of all commands for people.
+#pragma once
+
+#include <string>
+
+#include "api/src/interface/wire/types.h"
+
+namespace qrx::sim {
+
+namespace admin {
+inline constexpr QRX_U8 kDeleteSubmissionQueue = 0x00;
+inline constexpr QRX_U8 kCreateSubmissionQueue = 0x01;
+inline constexpr QRX_U8 kGetLogPage = 0x02;
+inline constexpr QRX_U8 kDeleteCompletionQueue = 0x04;
+inline constexpr QRX_U8 kCreateCompletionQueue = 0x05;
+inline constexpr QRX_U8 kIdentify = 0x06;
+inline constexpr QRX_U8 kAbort = 0x08;
+inline constexpr QRX_U8 kSetFeatures = 0x09;
+inline constexpr QRX_U8 kGetFeatures = 0x0A;
+inline constexpr QRX_U8 kAsynchronousEvent = 0x0C;
+}  // namespace admin
+
+namespace nvm {
+inline constexpr QRX_U8 kFlush = 0x00;
+inline constexpr QRX_U8 kWrite = 0x01;
+inline constexpr QRX_U8 kRead = 0x02;
+inline constexpr QRX_U8 kCompare = 0x05;
+inline constexpr QRX_U8 kWriteZeroes = 0x08;
+}  // namespace nvm
+
+// Low half of CDW12 of a vendor command: group in the low byte, sub-opcode in the high byte.
+namespace vendor {
+inline constexpr QRX_U16 kReadAdapterInfo = 0x00E0;
+inline constexpr QRX_U16 kReadAdapterConfig = 0x01E0;
+inline constexpr QRX_U16 kWriteAdapterConfig = 0x02E0;
+inline constexpr QRX_U16 kSetTime = 0x03E0;
+inline constexpr QRX_U16 kReadHbaInfo = 0x0FE0;
+inline constexpr QRX_U16 kReadPdInfo = 0x00E1;
+inline constexpr QRX_U16 kReadVdInfo = 0x00E2;
+inline constexpr QRX_U16 kReadBgaStatus = 0x02E3;
+inline constexpr QRX_U16 kReadNsList = 0x00E5;
+inline constexpr QRX_U16 kReadNsListOfVd = 0x01E5;
+inline constexpr QRX_U16 kReadNsSharing = 0x05E5;
+}  // namespace vendor
+
+// Whether the opcode's two low bits say that data goes to the device, or comes from it.
+[[nodiscard]] constexpr bool data_to_device(QRX_U8 opcode)
+{
+    return (opcode & 1) != 0;
+}
+[[nodiscard]] constexpr bool data_from_device(QRX_U8 opcode)
+{
+    return (opcode & 2) != 0;
+}
+
+// "identify", "vendor-read"; "unknown" for an opcode without a name.
+[[nodiscard]] const char* admin_opcode_name(QRX_U8 opcode);
+[[nodiscard]] const char* io_opcode_name(QRX_U8 opcode);
+// The name of a vendor command by the low half of its CDW12; "unknown" for one without a name.
+[[nodiscard]] const char* vendor_command_name(QRX_U16 command);
+
+}  // namespace qrx::sim

@@ -1,0 +1,164 @@
+// The pair command road: a request comes with one NVMe command, and its answer goes with the next.
+#include <cstring>
+
+#include "api/src/interface/wire/command.h"
+#include "sim/firmware/controller.h"
+#include "sim/firmware/reply.h"
+
+namespace qrx::sim {
+
+namespace {
+
+// A request by its group opcode and sub-opcode.
+constexpr QRX_U32 request_code(QRX_U16 group, QRX_U16 sub)
+{
+    return QRX_U32{group} << 16 | sub;
+}
+
+constexpr QRX_U32 kAdapterInfo = request_code(kGroupAdapter, 0);
+constexpr QRX_U32 kAdapterGetConfig = request_code(kGroupAdapter, 1);
+constexpr QRX_U32 kAdapterSetConfig = request_code(kGroupAdapter, 2);
+constexpr QRX_U32 kPdInfo = request_code(kGroupPd, 0);
+constexpr QRX_U32 kVdInfo = request_code(kGroupVd, 0);
+constexpr QRX_U32 kVdConfig = request_code(kGroupVd, 1);
+constexpr QRX_U32 kPdActivity = request_code(kGroupBga, 1);
+constexpr QRX_U32 kVdActivity = request_code(kGroupBga, 2);
+constexpr QRX_U32 kNsOfVd = request_code(kGroupNs, 1);
+
+constexpr QRX_U32 kIds = 0x10000;  // list requests name ids of 16 bits
+
+}  // namespace
+
+Completion Controller::pair_send(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
+{
+    if (!PairMailbox::addressed(command)) {
+        return complete(status::kInvalidField);
+    }
+    return complete(mailbox.keep(data) ? status::kSuccess : status::kInvalidField);
+}
+
+Completion Controller::pair_receive(const nvme_admin_cmd& command, std::span<QRX_U8> data)
+{
+    if (!PairMailbox::addressed(command) || data.size() < wire::kPageSize) {
+        return complete(status::kInvalidField);
+    }
+    if (!mailbox.pending) {
+        return complete(status::kSequenceError);
+    }
+    const Verdict verdict = answer_pair(open_reply(data, Verdict::kGood));
+    if (verdict != Verdict::kGood) {
+        open_reply(data, verdict);
+    }
+    mailbox.clear();
+    return complete(status::kSuccess);
+}
+
+Verdict Controller::answer_pair(std::span<QRX_U8> payload)
+{
+    const QRX_U32 code = request_code(mailbox.words[0], mailbox.words[1]);
+    switch (code) {
+    case kAdapterInfo:
+        put(payload, 0, adapter.record(address));
+        return Verdict::kGood;
+    case kPdInfo:
+        return pair_list<sizeof(NVME_PD_Info)>(payload, kIds, Verdict::kInvalidPd,
+                                               [&](QRX_U32 id, std::span<QRX_U8> at) {
+                                                   const Drive* const drive = find_drive(id);
+                                                   return drive != nullptr && wire::write(at, 0, pd_record(*drive));
+                                               });
+    case kPdActivity:
+        return pair_list<sizeof(NVME_BGA_STATUS)>(
+            payload, kIds, Verdict::kInvalidPd, [&](QRX_U32 id, std::span<QRX_U8> at) {
+                const Drive* const drive = find_drive(id);
+                if (drive == nullptr) {
+                    return false;
+                }
+                NVME_BGA_STATUS none{};
+                none.ID = static_cast<QRX_U8>(id);
+                return wire::write(at, 0, drive->activity ? drive->activity->record(none.ID) : none);
+            });
+    default:
+        break;
+    }
+    switch (code) {
+    case kAdapterGetConfig:
+    case kAdapterSetConfig:
+    case kVdInfo:
+    case kVdConfig:
+    case kVdActivity:
+    case kNsOfVd:
+        break;
+    default:
+        return Verdict::kNotSupported;
+    }
+    if (!adapter.raid()) {
+        return Verdict::kNotSupported;
+    }
+    switch (code) {
+    case kAdapterGetConfig:
+        put(payload, 0, config.record());
+        return Verdict::kGood;
+    case kAdapterSetConfig:
+        return pair_set_config();
+    case kVdInfo:
+        return pair_list<sizeof(NVME_VD_Info)>(payload, kIds, Verdict::kInvalidVd,
+                                               [&](QRX_U32 id, std::span<QRX_U8> at) {
+                                                   const VirtualDisk* const vd = find_virtual_disk(id);
+                                                   return vd != nullptr && wire::write(at, 0, vd_record(*vd));
+                                               });
+    case kVdConfig:
+        return pair_list<sizeof(NVME_VD_Config)>(payload, kIds, Verdict::kInvalidVd,
+                                                 [&](QRX_U32 id, std::span<QRX_U8> at) {
+                                                     const VirtualDisk* const vd = find_virtual_disk(id);
+                                                     return vd != nullptr && wire::write(at, 0, vd->config());
+                                                 });
+    case kVdActivity:
+        return pair_list<sizeof(NVME_BGA_STATUS)>(payload, kIds, Verdict::kInvalidVd,
+                                                  [&](QRX_U32 id, std::span<QRX_U8> at) {
+                                                      const VirtualDisk* const vd = find_virtual_disk(id);
+                                                      return vd != nullptr && wire::write(at, 0, vd->activity_record());
+                                                  });
+    default: {
+        const QRX_U16 vd = mailbox.words[2];
+        if (vd != kAllVirtualDisks && find_virtual_disk(vd) == nullptr) {
+            return Verdict::kInvalidVd;
+        }
+        put_namespaces_of(static_cast<QRX_U8>(vd), payload);
+        return Verdict::kGood;
+    }
+    }
+}
+
+Verdict Controller::pair_set_config()
+{
+    const auto record = wire::read<NVME_Adapter_Config>(mailbox.request);
+    return record ? config.set(record->AutoRebuildOn, record->BGARate) : Verdict::kInvalidRequest;
+}
+
+template <std::size_t RecordSize, class Put>
+Verdict Controller::pair_list(std::span<QRX_U8> payload, QRX_U32 ids, Verdict absent, Put put_record) const
+{
+    auto head = wire::read<RequestHeader>(mailbox.request);
+    if (!head) {
+        return Verdict::kInvalidRequest;
+    }
+    if (head->numRequested == 0) {
+        return Verdict::kInvalidParameter;
+    }
+    auto space = payload.subspan(sizeof(RequestHeader));
+    head->numReturned = 0;
+    QRX_U32 id = head->start;
+    for (; id < ids && head->numReturned < head->numRequested && space.size() >= RecordSize; ++id) {
+        if (put_record(id, space.first(RecordSize))) {
+            space = space.subspan(RecordSize);
+            ++head->numReturned;
+        } else if (id == head->start) {
+            return absent;  // the id that was asked for must exist; those behind it are taken as they come
+        }
+    }
+    head->nextStart = static_cast<QRX_U16>(id);
+    put(payload, 0, *head);
+    return Verdict::kGood;
+}
+
+}  // namespace qrx::sim

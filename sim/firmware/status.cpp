@@ -1,0 +1,67 @@
+#include "sim/firmware/status.h"
+
+#include <algorithm>
+#include <array>
+
+namespace qrx::sim {
+
+namespace {
+
+struct Name {
+    QRX_U32 status;
+    const char* text;
+};
+
+// The statuses that the model produces and those that its users inject most.
+constexpr auto kNames = std::to_array<Name>({
+    {0x000, "success"},
+    {0x001, "invalid opcode"},
+    {0x002, "invalid field"},
+    {0x004, "data transfer error"},
+    {0x005, "aborted, power loss"},
+    {0x006, "internal error"},
+    {0x007, "abort requested"},
+    {0x00B, "invalid namespace or format"},
+    {0x00C, "command sequence error"},
+    {0x080, "LBA out of range"},
+    {0x081, "capacity exceeded"},
+    {0x082, "namespace not ready"},
+    {0x101, "invalid queue identifier"},
+    {0x105, "asynchronous event request limit exceeded"},
+    {0x106, "invalid firmware slot"},
+    {0x107, "invalid firmware image"},
+    {0x109, "invalid log page"},
+    {0x10A, "invalid format"},
+    {0x10B, "firmware activation requires conventional reset"},
+    {0x10D, "feature identifier not saveable"},
+    {0x10E, "feature not changeable"},
+    {0x115, "namespace insufficient capacity"},
+    {0x116, "namespace identifier unavailable"},
+    {0x118, "namespace already attached"},
+    {0x11A, "namespace not attached"},
+    {0x11C, "controller list invalid"},
+    {0x280, "write fault"},
+    {0x281, "unrecovered read error"},
+    {0x285, "compare failure"},
+    {0x701, "failed"},
+    {0x703, "invalid request"},
+    {0x704, "invalid parameter"},
+    {0x705, "not supported"},
+    {0x706, "invalid HD ID"},
+    {0x707, "invalid LD ID"},
+    {0x708, "no resource"},
+    {0x709, "operation in progress"},
+});
+static_assert(std::is_sorted(kNames.begin(), kNames.end(),
+                             [](const Name& left, const Name& right) { return left.status < right.status; }));
+
+}  // namespace
+
+std::string status_name(QRX_U32 nvme_status)
+{
+    const auto* const found =
+        std::find_if(kNames.begin(), kNames.end(), [&](const Name& name) { return name.status == nvme_status; });
+    return found == kNames.end() ? "unknown status" : found->text;
+}
+
+}  // namespace qrx::sim

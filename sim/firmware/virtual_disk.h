@@ -1,0 +1,44 @@
+// A virtual disk: a RAID set over physical disks.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "api/src/interface/wire/vd.h"
+#include "sim/firmware/background.h"
+#include "sim/firmware/drive.h"
+
+namespace qrx::sim {
+
+struct VirtualDisk {
+    QRX_U8 id = 0;
+    std::string name;  // at most 16 letters
+    QRX_U8 status = kVdFunctional;
+    bool importable = false;
+    QRX_U8 raid_mode = kRaid1;
+    std::vector<QRX_U16> members;  // at most 32; kMissingMember where one is missing
+    QRX_U8 parity_disks = 0;
+    QRX_U16 stripe = 256;  // sectors of 512 bytes
+    QRX_U64 sectors = 0;
+    QRX_U32 sector_size = 512;  // bytes, 0 unknown
+    std::optional<BackgroundActivity> activity;
+
+    friend bool operator==(const VirtualDisk&, const VirtualDisk&) = default;
+
+    [[nodiscard]] bool uses(QRX_U16 pd) const;
+    [[nodiscard]] bool patrolling() const;
+    // `nsids`: the namespaces that lie on it.
+    [[nodiscard]] NVME_VD_Info record(std::span<const QRX_U8> nsids) const;
+    [[nodiscard]] NVME_VD_Config config() const;
+    // The record of its background activity; of type and status "none" when there is none.
+    [[nodiscard]] NVME_BGA_STATUS activity_record() const;
+    // Lets time go by: an activity that ends leaves an initialized or rebuilt virtual disk functional.
+    void advance(Clock::Duration passed);
+};
+
+// The sectors that a RAID set of `members` equal shares of `share` sectors offers.
+[[nodiscard]] QRX_U64 usable_sectors(QRX_U8 raid_mode, QRX_U64 members, QRX_U8 parity_disks, QRX_U64 share);
+
+}  // namespace qrx::sim
