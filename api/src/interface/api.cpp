@@ -1,11 +1,15 @@
 #include "api/src/interface/api.h"
 
-#include <array>
 #include <cstring>
 #include <optional>
 #include <string_view>
 
 #include "api/src/device/common/DeviceManagement.h"
+#include "api/src/function/log/log.h"
+#include "api/src/function/osvolume/osvolume.h"
+#include "api/src/function/progressbar/common/ProgressBarManagement.h"
+#include "api/src/function/systemdisk/systemdisk.h"
+#include "api/src/function/timesync/timesync.h"
 
 namespace {
 
@@ -32,6 +36,28 @@ QRX_BOOLEAN store(std::optional<int> found, int* destination)
 }
 
 }  // namespace
+
+void QRX_Init()
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    init_log();
+    progressbar_management_init();
+    table->ScanV2(table);
+    for (QRX_U16 adapter_id = 0; adapter_id < table->getDeviceCount(table); ++adapter_id) {
+        TimeSyncFunction(adapter_id);
+    }
+    os_vol_scan();
+}
+
+void QRX_Final()
+{
+    PDeviceManagement table = GetDeviceManagementInstance();
+    PNVMEDiskManagement disks = GetNVMEDiskManagementInstance();
+    disks->Final(disks);
+    progressbar_management_close();
+    table->Final(table);
+    close_log();
+}
 
 QRX_U8 QRX_IsSysDenied()
 {

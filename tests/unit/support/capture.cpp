@@ -1,7 +1,6 @@
 #include "tests/unit/support/capture.h"
 
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -61,11 +60,11 @@ FdCapture::~FdCapture()
 std::string FdCapture::text()
 {
     std::fflush(standard_);
-    struct stat status {};
-    fstat(sink_, &status);
-    std::string text(static_cast<std::size_t>(status.st_size), '\0');
-    const ssize_t length = pread(sink_, text.data(), text.size(), 0);
-    text.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
+    std::string text;
+    char piece[4096];
+    for (ssize_t got = 0; (got = pread(sink_, piece, sizeof(piece), static_cast<off_t>(text.size()))) > 0;) {
+        text.append(piece, static_cast<std::size_t>(got));
+    }
     return text;
 }
 

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "api/src/device/common/DefaultDevice.h"
+#include "api/src/device/linux/LinuxDeviceManagement.h"
 
 QRX_U16 gVIDFormCLI = 0;
 
@@ -75,7 +76,9 @@ void DeviceManagement_Final(PDeviceManagement _this)
 PDeviceManagement GetDeviceManagementInstance()
 {
     static DeviceManagement instance;
-    if (instance.getDevice == nullptr) {
+    if (instance.Scan == nullptr) {
+        instance.Scan = DeviceManagement_Scan;
+        instance.ScanV2 = DeviceManagement_ScanV2;
         instance.Final = DeviceManagement_Final;
         instance.getDevice = DeviceManagement_getDevice;
         instance.getDeviceCount = DeviceManagement_getDeviceCount;
