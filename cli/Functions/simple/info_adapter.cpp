@@ -1,0 +1,126 @@
+// `info -o hba`: fetching controllers, and what is asked of them besides their record.
+#include <array>
+#include <cstddef>
+
+#include "api/src/interface/agent.h"
+#include "api/src/interface/api.h"
+#include "cli/Functions/simple/info_fetch.h"
+#include "cli/Functions/simple/simple_info.h"
+#include "cli/Public/frame/lines.h"
+#include "cli/Public/frame/number.h"
+#include "cli/Public/frame/report.h"
+
+namespace {
+
+using qrx::Lines;
+using qrx::print;
+using qrx::Response;
+using qrx::vendorCommand;
+using qrx::info::Status;
+
+constexpr QRX_U8 kIdentify = 6;
+constexpr QRX_U32 kIdentifyController = 1;  // CNS
+constexpr std::size_t kCntlidOffset = 78;   // in Identify Controller data
+constexpr QRX_U8 kSubReadHbaInfo = 0x0F;
+constexpr std::size_t kSriovEnableOffset = 450;  // in the stored settings, which have no envelope
+constexpr QRX_U32 kWholePage = 1023;             // CDW10: dwords less 1
+constexpr unsigned kAddressable = 256;           // controllers that an 8-bit index reaches
+
+// False when the call failed.
+bool fetchAdapter(QRX_U8 adapterID, Response& response)
+{
+    return qrx::info::fetch(vendorCommand(kGroupAdapter, 0).word(14, 0), {0, 12, 14}, response, Status::Spoken,
+                            adapterID) == 0;
+}
+
+// The verdict in the answer decides; its signature is not looked at.
+void printFetched(QRX_U8 adapterID, const Response& response, bool all, bool blankLine)
+{
+    if (response.status() != 0) {
+        print("\nUnable to get info of Adapter, cmd_status:0x%x\n", response.status());
+        return;
+    }
+    if (const auto record = response.record<NVME_Adapter_Info>()) {
+        Adapter_PrintInfo(adapterID, *record, all);
+        if (blankLine) {
+            print("\n");
+        }
+    }
+}
+
+void printEveryAdapter(bool all)
+{
+    const QRX_U16 count = QRX_Adapter_GetCount();
+    for (unsigned index = 0; index < count && index < kAddressable; ++index) {
+        const auto adapterID = static_cast<QRX_U8>(index);
+        Response response;
+        if (fetchAdapter(adapterID, response)) {
+            printFetched(adapterID, response, all, true);
+        } else {
+            print("\nUnable to get info of NVMe Controller %u, BDF:%s\n", index, QRX_Adapter_GetDeviceFun(adapterID));
+        }
+    }
+    Lines(20).number("Total # of HBA:", count);
+    print("\n");
+}
+
+}  // namespace
+
+void getAdapterInfoSA(QRX_U8 adapterID, bool all)
+{
+    if (adapterID == kAllInstances && gSpecificAdapterFlag == 0) {
+        printEveryAdapter(all);
+        return;
+    }
+    if (adapterID >= QRX_Adapter_GetCount()) {
+        print("\nUnable to get info of NVMe Controller\n");
+        return;
+    }
+    Response response;
+    if (fetchAdapter(adapterID, response)) {
+        printFetched(adapterID, response, all, false);
+    } else {
+        print("\nUnable to get info of NVMe Controller, BDF:%s\n\n",
+              adapterID == 0 ? QRX_Adapter_GetDeviceFun(0) : "Not found");
+    }
+}
+
+QRX_U16 get_hostID(QRX_U8 AdapterID)
+{
+    std::array<QRX_U8, qrx::wire::kPageSize> identify{};
+    QRX_U32 cdw[1] = {kIdentifyController};
+    const QRX_U32 status = QRX_Adapter_Admin(AdapterID, kIdentify, 0, cdw, 1, nullptr, 0, identify.data(),
+                                             static_cast<QRX_U16>(identify.size()));
+    if (status != 0) {
+        print("\nFailed to get controller.\n");
+        return 0;
+    }
+    return qrx::wire::read<QRX_U16>(identify, kCntlidOffset).value_or(0);
+}
+
+QRX_U8 get_sriov_enable()
+{
+    const auto command = vendorCommand(kGroupAdapter, kSubReadHbaInfo).word(10, kWholePage);
+    command.debug();
+    std::array<QRX_U8, qrx::wire::kPageSize> settings{};
+    return command.receive(settings) == 0 ? settings[kSriovEnableOffset] : QRX_U8{0};
+}
+
+QRX_U8 checkHDExist(QRX_U16 id, bool /*JBOFMode*/, QRX_U8 adapter)
+{
+    Response response;
+    (void)qrx::info::fetch(vendorCommand(kGroupPd, 0).word(14, id), {0, 12, 14}, response, Status::Silent, adapter);
+    return response.isSigned() && response.status() == 0 ? 1 : 0;
+}
+
+QRX_U16 getTotoalPDCnt(QRX_U8 AdapterID)
+{
+    const NVME_Adapter_Info& current = qrx::info::recordOf(gCurrentAdapter);
+    const bool isJBOF = qrx::info::isJbof(current);
+    const QRX_U16 range = isJBOF ? current.MaxNSPerVD : current.MaxPD;
+    QRX_U16 found = 0;
+    for (QRX_U16 id = 0; id < range; ++id) {
+        found = static_cast<QRX_U16>(found + checkHDExist(id, isJBOF, AdapterID));
+    }
+    return found;
+}

@@ -1,0 +1,42 @@
+// How `info` reads.
+#include "cli/Functions/simple/info_fetch.h"
+
+#include <algorithm>
+
+#include "cli/Public/frame/report.h"
+
+namespace qrx::info {
+
+int fetch(const AdminCommand& command, std::initializer_list<unsigned> shown, Response& response, Status spoken,
+          QRX_U8 adapter)
+{
+    command.debug(shown);
+    const int status = spoken == Status::Spoken ? command.receive(response.bytes(), adapter)
+                                                : command.receiveQuietly(response.bytes(), adapter);
+    if (dbg_enable != 0) {
+        print("cmd_status: 0x%x\n", response.status());
+        if (!response.isSigned()) {
+            const auto sign = response.bytes().first<3>();
+            print("receive sign get 0x%x 0x%x 0x%x expect 0x%x 0x%x 0x%x\n", sign[0], sign[1], sign[2], kFrameSign[0],
+                  kFrameSign[1], kFrameSign[2]);
+        }
+    }
+    return status;
+}
+
+const NVME_Adapter_Info& recordOf(QRX_U8 adapter)
+{
+    static constexpr NVME_Adapter_Info kNone{};
+    return g_pAdInfos != nullptr && adapter < gNumAdaptersFound ? g_pAdInfos[adapter] : kNone;
+}
+
+std::string fieldText(std::span<const QRX_U8> field, std::size_t mostBlanks)
+{
+    auto first = field.begin();
+    for (std::size_t dropped = 0; dropped < mostBlanks && first != field.end() && *first == ' '; ++dropped) {
+        ++first;
+    }
+    return {first, std::find(first, field.end(), QRX_U8{0})};
+}
+
+}  // namespace qrx::info

@@ -1,0 +1,126 @@
+// `info -o ns`: namespaces, and their sharing state.
+#include <functional>
+
+#include "cli/Functions/simple/info_fetch.h"
+#include "cli/Functions/simple/simple_info.h"
+#include "cli/Public/frame/lines.h"
+#include "cli/Public/frame/number.h"
+#include "cli/Public/frame/report.h"
+
+namespace {
+
+using qrx::Lines;
+using qrx::print;
+using qrx::Response;
+using qrx::vendorCommand;
+using qrx::info::Status;
+
+constexpr int kWidth = 20;
+constexpr QRX_U8 kSubListAll = 0;
+constexpr QRX_U8 kSubListOfVd = 1;
+constexpr QRX_U8 kSubReadNmic = 5;
+
+bool isGood(const Response& response)
+{
+    return response.isSigned() && response.status() == 0;
+}
+
+// Prints those of the MaxNS records for which `wanted` holds, and says how many. The page ends the list where MaxNS is
+// more than it can hold.
+QRX_U32 printMatching(const Response& response, const std::function<bool(const NVME_NS_Info&)>& wanted)
+{
+    const NVME_Adapter_Info& adapter = qrx::info::recordOf(gCurrentAdapter);
+    QRX_U32 found = 0;
+    for (std::size_t i = 0; i < adapter.MaxNS; ++i) {
+        const auto ns = response.record<NVME_NS_Info>(i * sizeof(NVME_NS_Info));
+        if (!ns) {
+            break;
+        }
+        if (wanted(*ns)) {
+            NS_PrintInfo(*ns, qrx::info::isJbof(adapter));
+            ++found;
+        }
+    }
+    return found;
+}
+
+void printList(const Response& response, QRX_U16 nsId, QRX_U8 wantedStatus)
+{
+    if (nsId != kAllInstances) {
+        if (printMatching(response, [nsId](const NVME_NS_Info& ns) { return ns.NSID == nsId && ns.Status != 0; }) ==
+            0) {
+            print("\nUnable to get info of NS\n");
+        }
+        return;
+    }
+    const QRX_U32 found =
+        printMatching(response, [wantedStatus](const NVME_NS_Info& ns) { return (ns.Status & wantedStatus) != 0; });
+    if (found == 0) {
+        print("No Namespace Info Exist.\n");
+        return;
+    }
+    Lines(kWidth).number("Total # of NS:", found);
+    print("\n");
+}
+
+}  // namespace
+
+void getNSInfoSA(QRX_U16 nsId, bool /*showParentDev*/)
+{
+    if (qrx::info::recordOf(gCurrentAdapter).MaxNS == 0) {
+        print("Get MaxNS from adapter info fail.\n");
+        return;
+    }
+    Response response;
+    (void)qrx::info::fetch(vendorCommand(kGroupNs, kSubListAll), {0, 12}, response, Status::Spoken);
+    if (!isGood(response)) {
+        print("\nUnable to get info of NS\n");
+        return;
+    }
+    printList(response, nsId, 0xFF);
+}
+
+void getNSInfoOfVDSA(QRX_U16 nsId, QRX_U16 vdId)
+{
+    const NVME_AP_Ns_Get_sinfo_Vd unit{static_cast<QRX_U8>(vdId), 0};
+    Response response;
+    (void)qrx::info::fetch(vendorCommand(kGroupNs, kSubListOfVd, unit.vd_id).flag(0x5001), {0, 12}, response,
+                           Status::Spoken);
+    if (!isGood(response)) {
+        print("\nUnable to get info of VD\n");
+        return;
+    }
+    printList(response, nsId, kNsValid);
+}
+
+void NS_PrintInfo(const NVME_NS_Info& ns, bool isJBOF)
+{
+    const Lines lines(kWidth);
+    lines.number("NS ID:", ns.NSID);
+    lines.gigabytes("Size:", ns.LBA, ns.SectorSize);
+    lines.number(isJBOF ? "Parent PD ID:" : "Parent VD ID:", static_cast<QRX_U64>(ns.ID + qrx::idBase()));
+    lines.yesNo("Valid:", (ns.Status & kNsValid) != 0);
+    lines.yesNo("Active:", (ns.Status & kNsActive) != 0);
+    if (!isJBOF) {
+        const bool unhealthy = ns.VDStatus == kVdDegrade || ns.VDStatus == kVdRebuilding;
+        lines.text("VD status:", unhealthy ? "Unhealthy" : "Healthy");
+    }
+    print("\n");
+}
+
+void getNMIC(QRX_U8 nsId)
+{
+    const auto command = vendorCommand(kGroupNs, kSubReadNmic, nsId);
+    command.debug();
+    Response response;
+    const int status = command.receive(response.bytes());
+    const auto nmic = response.record<NMIC_Data>();
+    if (status != 0 || !isGood(response) || !nmic) {
+        print("Unable to get NMIC\n\n");
+        return;
+    }
+    if (nmic->mode == 0) {
+        Lines(kWidth).number("Private for controller ID:", nmic->ctrlID);
+        print("\n");
+    }
+}

@@ -1,0 +1,93 @@
+// `info -o pd`: physical disks.
+#include "cli/Functions/simple/info_fetch.h"
+#include "cli/Functions/simple/simple_info.h"
+#include "cli/Public/frame/lines.h"
+#include "cli/Public/frame/number.h"
+#include "cli/Public/frame/report.h"
+
+namespace {
+
+using qrx::print;
+using qrx::info::fieldText;
+
+// Leading blanks that each text may lose.
+constexpr std::size_t kModelBlanks = 15;
+constexpr std::size_t kSerialBlanks = 39;
+constexpr std::size_t kFirmwareBlanks = 8;
+
+const char* statusWord(QRX_U8 status)
+{
+    if ((status & kPdFailed) != 0) {
+        return "Fail";
+    }
+    return (status & kPdMediaPatrol) != 0 ? "Media Patrol Executing" : "Idle";
+}
+
+void printEveryPd(bool isJBOF)
+{
+    const NVME_Adapter_Info& record = qrx::info::recordOf(gCurrentAdapter);
+    const int range = record.MaxPD * record.PortCount;
+    QRX_U32 found = 0;
+    print("\n");
+    for (int id = 0; id < range; ++id) {
+        if (getOneHDInfoSA(static_cast<QRX_U16>(id), isJBOF) == 0) {
+            print("\n");
+            ++found;
+        }
+    }
+    if (found == 0) {
+        print("No physical disk is found.\n");
+        return;
+    }
+    qrx::Lines(23).number("Total # of PD:", found);
+    print("\n");
+}
+
+}  // namespace
+
+void getHDInfoSA(QRX_U16 HDID)
+{
+    const bool isJBOF = qrx::info::isJbof(qrx::info::recordOf(gCurrentAdapter));
+    if (HDID == kAllInstances) {
+        printEveryPd(isJBOF);
+    } else if (getOneHDInfoSA(HDID, isJBOF) != 0) {
+        print("\nUnable to get info of PD\n");
+    }
+}
+
+QRX_U32 getOneHDInfoSA(QRX_U16 HDID, bool isJBOF)
+{
+    qrx::Response response;
+    // An absent disk is an expected answer: the page decides, not the call.
+    (void)qrx::info::fetch(qrx::vendorCommand(kGroupPd, 0).word(14, HDID), {0, 12, 14}, response,
+                           qrx::info::Status::Silent);
+    const auto pd = response.record<NVME_PD_Info>();
+    if (!response.isSigned() || !pd) {
+        return 1;
+    }
+    if (response.status() == 0) {
+        HD_PrintInfo(*pd, isJBOF);
+    }
+    return response.status();
+}
+
+void HD_PrintInfo(const NVME_PD_Info& pd, bool isJBOF)
+{
+    const qrx::Lines lines(32);
+    const int base = qrx::idBase();
+    lines.number("PD ID:", static_cast<QRX_U64>(pd.ID + base));
+    lines.text("Model:", fieldText(pd.Model, kModelBlanks).c_str());
+    lines.text("Serial:", fieldText(pd.SerialNo, kSerialBlanks).c_str());
+    lines.textf("Sector Size:", "%d bytes", static_cast<int>(pd.SectorSize));
+    lines.number64("LBA:", pd.LBA);
+    lines.gigabytes("Size:", pd.LBA, pd.SectorSize);
+    lines.number("SSD backend RC/Slot ID:", static_cast<QRX_U64>(pd.SSDAdapterID + base));
+    lines.number("SSD backend Namespace ID:", pd.SSDNSID);
+    lines.text("Firmware version:", fieldText(pd.FWVersion, kFirmwareBlanks).c_str());
+    lines.text("Status:", statusWord(pd.Status));
+    lines.yesNo("Assigned:", (pd.Status & kPdAssigned) != 0);
+    if (isJBOF) {
+        lines.yesNo("Importable:", (pd.Status & kPdImportable) != 0);
+    }
+    lines.yesNo("SMART Critical Warning:", (pd.Status & kPdSmartWarning) != 0);
+}

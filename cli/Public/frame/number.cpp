@@ -1,0 +1,55 @@
+// Numbers as the user types them, and ids under the one-based rule.
+#include "cli/Public/frame/number.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "api/src/interface/globals.h"
+#include "cli/Public/common.h"
+
+namespace qrx {
+
+std::int32_t strtol32(const char* text, int base, const char** end)
+{
+    char* stop = nullptr;
+    const long long value = std::strtoll(text, &stop, base);
+    if (end != nullptr) {
+        *end = stop;
+    }
+    using Limits = std::numeric_limits<std::int32_t>;
+    return static_cast<std::int32_t>(std::clamp<long long>(value, Limits::min(), Limits::max()));
+}
+
+std::optional<std::int32_t> readNumber(const char* text)
+{
+    if (text == nullptr || !isNumber(text)) {
+        return std::nullopt;
+    }
+    return strtol32(text, 10);
+}
+
+std::optional<std::int32_t> readHexOrNumber(const char* text)
+{
+    if (text != nullptr && std::strstr(text, "0x") != nullptr) {
+        return strtol32(text, 16);
+    }
+    return readNumber(text);
+}
+
+int idBase()
+{
+    return g_oneBaseMode == 1 ? 1 : 0;
+}
+
+std::optional<std::int32_t> readId(const char* text)
+{
+    const std::optional<std::int32_t> number = readNumber(text);
+    if (!number || *number < idBase()) {
+        return std::nullopt;
+    }
+    return *number - idBase();
+}
+
+}  // namespace qrx

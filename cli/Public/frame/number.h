@@ -1,0 +1,29 @@
+// Numbers as the user types them, and ids under the one-based rule.
+//
+// `long` is 32 bits in every command: what does not fit saturates at the ends of the 32-bit range, and is cut to the
+// field's width by whoever stores it. A reader gives nothing for a text that is no number, and for a null text, which
+// is an option whose optional argument was left out.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace qrx {
+
+// strtol with a 32-bit long. `end`, if not null, gets the first character that was not read.
+std::int32_t strtol32(const char* text, int base, const char** end = nullptr);
+
+// A text that passes isNumber, in base 10. An empty text is 0.
+std::optional<std::int32_t> readNumber(const char* text);
+
+// Hexadecimal where the text holds "0x" anywhere (a text that does not begin with its number is then 0); otherwise as
+// readNumber.
+std::optional<std::int32_t> readHexOrNumber(const char* text);
+
+// 1 in one-based mode, otherwise 0: what is added to an id that is shown, and taken off one that is typed.
+int idBase();
+
+// An id as typed: readNumber less idBase(). Nothing for a result below 0 too.
+std::optional<std::int32_t> readId(const char* text);
+
+}  // namespace qrx

@@ -1,0 +1,123 @@
+// Arithmetic, file helpers and the plain hex dump.
+#include "cli/Public/utility.h"
+
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+
+#include "api/src/interface/globals.h"
+#include "cli/Public/common.h"
+
+FILE* file = nullptr;
+
+namespace {
+
+constexpr QRX_U32 kCrcPolynomial = 0xEDB88320;
+constexpr double kTwoToThe32 = 4294967296.0;
+constexpr std::size_t kNameSize = 1024;  // of a file name with its terminator
+
+constexpr std::array<QRX_U32, 256> makeCrcTable()
+{
+    std::array<QRX_U32, 256> table{};
+    for (QRX_U32 index = 0; index < table.size(); ++index) {
+        QRX_U32 value = index;
+        for (int bit = 0; bit < 8; ++bit) {
+            value = (value & 1) != 0 ? (value >> 1) ^ kCrcPolynomial : value >> 1;
+        }
+        table[index] = value;
+    }
+    return table;
+}
+constexpr std::array<QRX_U32, 256> crc32Table = makeCrcTable();
+static_assert(crc32Table[1] == 0x77073096 && crc32Table[255] == 0x2D02EF8D);
+
+}  // namespace
+
+QRX_U32 pow_nvme(QRX_U8 base, QRX_U8 power)
+{
+    const double result = std::pow(base, power);
+    if (!std::isfinite(result)) {
+        return 0;
+    }
+    return static_cast<QRX_U32>(std::fmod(std::trunc(result), kTwoToThe32));
+}
+
+QRX_U32 calCRC32(QRX_U8* byte, QRX_U16 length)
+{
+    QRX_U32 crc = 0xFFFFFFFF;
+    for (QRX_U16 i = 0; i < length; ++i) {
+        crc = (crc >> 8) ^ crc32Table[(crc ^ byte[i]) & 0xFF];
+    }
+    return crc;
+}
+
+int open_file(const char* filename, const char* mode)
+{
+    close_file();
+    if (std::strlen(filename) >= kNameSize) {
+        errno = ENAMETOOLONG;
+        return 1;
+    }
+    std::array<char, kNameSize> name{};
+    if (qrx::noQuoteCopy(name, filename) != 0) {
+        errno = EINVAL;
+        return 1;
+    }
+    if (name[0] == '"') {  // the closing quote is missing, or text follows it
+        const std::size_t length = std::strcspn(name.data() + 1, "\"");
+        std::memmove(name.data(), name.data() + 1, length);
+        name[length] = '\0';
+    }
+    file = std::fopen(name.data(), mode);
+    return file == nullptr ? 1 : 0;
+}
+
+long get_file_length()
+{
+    if (file == nullptr) {
+        return 0;
+    }
+    const long position = std::ftell(file);
+    if (position < 0 || std::fseek(file, 0, SEEK_END) != 0) {
+        return 0;
+    }
+    const long length = std::ftell(file);
+    if (std::fseek(file, position, SEEK_SET) != 0 || length < 0) {
+        return 0;
+    }
+    return length;
+}
+
+void read_file(void* buffer, int size)
+{
+    if (file != nullptr && size > 0) {
+        (void)std::fread(buffer, 1, static_cast<std::size_t>(size), file);
+    }
+}
+
+void write_file(const void* buffer, int size)
+{
+    if (file != nullptr && size > 0) {
+        (void)std::fwrite(buffer, 1, static_cast<std::size_t>(size), file);
+    }
+}
+
+void close_file()
+{
+    if (file != nullptr) {
+        (void)std::fclose(file);
+        file = nullptr;
+    }
+}
+
+void _showRAWData(const QRX_U8* p_data_buff, int data_len)
+{
+    for (int i = 0; i < data_len; ++i) {
+        if (i % 16 == 0) {
+            std::fputs("\n", stream);
+        }
+        std::fprintf(stream, "0x%02x ", p_data_buff[i]);
+    }
+    std::fputs("\n", stream);
+}

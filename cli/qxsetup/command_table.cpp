@@ -1,0 +1,51 @@
+// The two command tables. Row order is the order of the `help` page.
+#include "cli/qxsetup/command_table.h"
+
+#include <cstring>
+#include <iterator>
+
+#include "cli/Functions/builtin/adapter.h"
+#include "cli/Functions/builtin/debug.h"
+#include "cli/Functions/builtin/help.h"
+#include "cli/Functions/builtin/version.h"
+#include "cli/Functions/simple/simple_info.h"
+
+namespace {
+
+constexpr Command_Info row(const char* cmd, CommandHandler handler, const char* help, const char* shortHelp)
+{
+    return {cmd, static_cast<int>(std::char_traits<char>::length(cmd)) + 1, handler, help, shortHelp, 1};
+}
+
+}  // namespace
+
+// clang-format off
+Command_Info generalCmdTableV1[] = {
+    row("?", doHelp, help_help, ":Get brief help for all commands."),
+    row("help", doHelp, help_help, ":Get brief help for all commands or detail help for one command."),
+    row("adapter", doAdapter, adapter_help, ":Default NVMe Controller the following CLI commands refers to."),
+    row("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
+    row("info", doSInfo, simple_info_help,
+        ":For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) or Namespace(ns) information."),
+};
+
+Command_Info hiddenCmdTableV1[] = {
+    row("--debug", doDebug, debug_help, debug_sh),
+};
+// clang-format on
+
+const char HIDDEN_CMDS[23][20] = {
+    "log",      "import",  "rebuild", "debuglv",      "get",         "set",         "oemdata",        "passthru",
+    "spi",      "vd",      "reset",   "led",          "vpd",         "dumphba",     "gpio",           "ns",
+    "identify", "inverse", "linfo",   "new_vpdwrite", "new_vpdread", "new_mi_send", "new_mi_receive",
+};
+
+unsigned generalCmdTableV1Size()
+{
+    return std::size(generalCmdTableV1);
+}
+
+unsigned hiddenCmdTableV1Size()
+{
+    return std::size(hiddenCmdTableV1);
+}

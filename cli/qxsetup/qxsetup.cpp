@@ -1,0 +1,32 @@
+// The process: main on the real access layer and the terminal.
+#include <editline/readline.h>
+
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <thread>
+
+#include "api/src/interface/api.h"
+#include "cli/qxsetup/startup.h"
+
+namespace {
+
+void pauseShortly()
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    // Standard output, standard error and the file of -output may be one and the same place: lines come out in the
+    // order in which they are printed.
+    (void)std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    try {
+        return qrx::run(argc, argv, {QRX_Init, QRX_Final, readline, add_history, pauseShortly});
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "qrx_cli: %s\n", error.what());
+        return 1;
+    }
+}
