@@ -10,35 +10,35 @@
 #include "cli/Public/frame/option_scan.h"
 #include "cli/Public/frame/report.h"
 
-const char adapter_help[] = R"(
-adapter [-i <NVMe Controller ID> | -s <bus slot> | -n <SUBNQN> | --list]
-
-Options:
-    -i, --id <NVMe Controller ID>
-        ID of the NVMe Controller to be selected. 
-        If -i is not specified, display current NVMe Controller ID
-    -s, --slot <bus slot>
-        The value format is "bus:slot.func"(In some OS, slot means device)
-    -n, --SUBNQN <SUBNQN>
-        For example "nqn.2014-08.org.nvmexpress:7a513317-QRX0000000000000001"
-    --list 
-        Show current NVMe Controller ID and total NVMe Controllers.
-    -h, --help
-
-Examples:
-    adapter --list
-    Show current NVMe Controller ID and total NVMe Controllers.
-
-    adapter -i 0
-    Select the NVMe Controller ID 0.
-
-    adapter -s 03:00.00
-    Select the NVMe Controller at bus 03, slot 00, function 00.
-
-    adapter -n "nqn.2014-08.org.nvmexpress:7a513317-QRX0000000000000001"
-    Select the NVMe Controller which has this SUBNQN.
-
-)";
+const char adapter_help[] =
+    "\n"
+    "adapter [-i <NVMe Controller ID> | -s <bus slot> | -n <SUBNQN> | --list]\n"
+    "\n"
+    "Options:\n"
+    "    -i, --id <NVMe Controller ID>\n"
+    "        ID of the NVMe Controller to be selected. \n"
+    "        If -i is not specified, display current NVMe Controller ID\n"
+    "    -s, --slot <bus slot>\n"
+    "        The value format is \"bus:slot.func\"(In some OS, slot means device)\n"
+    "    -n, --SUBNQN <SUBNQN>\n"
+    "        For example \"nqn.2014-08.org.nvmexpress:7a513317-QRX0000000000000001\"\n"
+    "    --list \n"
+    "        Show current NVMe Controller ID and total NVMe Controllers.\n"
+    "    -h, --help\n"
+    "\n"
+    "Examples:\n"
+    "    adapter --list\n"
+    "    Show current NVMe Controller ID and total NVMe Controllers.\n"
+    "\n"
+    "    adapter -i 0\n"
+    "    Select the NVMe Controller ID 0.\n"
+    "\n"
+    "    adapter -s 03:00.00\n"
+    "    Select the NVMe Controller at bus 03, slot 00, function 00.\n"
+    "\n"
+    "    adapter -n \"nqn.2014-08.org.nvmexpress:7a513317-QRX0000000000000001\"\n"
+    "    Select the NVMe Controller which has this SUBNQN.\n"
+    "\n";
 
 namespace {
 

@@ -10,55 +10,55 @@
 #include "cli/Public/frame/option_scan.h"
 #include "cli/Public/frame/report.h"
 
-const char help_help[] = R"(
-help [<command list>]
-
-Options:
-    <command list>display specified commands' help page 
-    If no option specified, brief description on each command is displayed.
-
-)";
+const char help_help[] =
+    "\n"
+    "help [<command list>]\n"
+    "\n"
+    "Options:\n"
+    "    <command list>display specified commands' help page \n"
+    "    If no option specified, brief description on each command is displayed.\n"
+    "\n";
 
 namespace {
 
-constexpr char short_help[] = R"(
-Legend: 
-  [options] - the options within [] are optional. 
-  <x|y|z>   - choose one of the x, y or z. 
-  [<x|y|z>] - choose none or one of the x, y or z. 
+constexpr char short_help[] =
+    "\n"
+    "Legend: \n"
+    "  [options] - the options within [] are optional. \n"
+    "  <x|y|z>   - choose one of the x, y or z. \n"
+    "  [<x|y|z>] - choose none or one of the x, y or z. \n"
+    "\n"
+    "Abbreviation: \n"
+    "    VD  - Virtual Disk\n"
+    "    PD  - Physical Disk\n"
+    "    NS  - Namespace\n"
+    "    BGA - BackGround Activity\n"
+    "\n"
+    "Type '-output [filename]' to output to a file. \n"
+    "Type 'help' to display this page. \n"
+    "Type 'help command' to display the help page of 'command'. \n"
+    "Type 'command -h' to display help for 'command'. \n"
+    "\n"
+    "Command name is not case sensitive and may be abbreviated if the  \n"
+    "abbreviation is unique. Most commands support both short (-) and   \n"
+    "long (--) options.Long option names may be abbreviated if the abbreviation  \n"
+    "is unique. A long option may take a parameter of the form '--arg=param'  \n"
+    "or '--arg param'. Option name is case sensitive, option parameter is not.  \n"
+    "\n"
+    "COMMAND   BRIEF DESCRIPTION \n"
+    "-----------------------------------------------------------------\n";
 
-Abbreviation: 
-    VD  - Virtual Disk
-    PD  - Physical Disk
-    NS  - Namespace
-    BGA - BackGround Activity
-
-Type '-output [filename]' to output to a file. 
-Type 'help' to display this page. 
-Type 'help command' to display the help page of 'command'. 
-Type 'command -h' to display help for 'command'. 
-
-Command name is not case sensitive and may be abbreviated if the  
-abbreviation is unique. Most commands support both short (-) and   
-long (--) options.Long option names may be abbreviated if the abbreviation  
-is unique. A long option may take a parameter of the form '--arg=param'  
-or '--arg param'. Option name is case sensitive, option parameter is not.  
-
-COMMAND   BRIEF DESCRIPTION 
------------------------------------------------------------------
-)";
-
-constexpr char non_shell_help[] = R"(
-Non-shell mode 
-  qrx_cli [<Adapter ID>] <COMMAND> <OPTIONS>
-  Default Adapter ID is 0.
-E.g.
-  qrx_cli info -o pd
-  Show all PD information of adapter ID 0.
-
-  qrx_cli 1 info -o pd
-  Show all PD information of adapter ID 1.
-)";
+constexpr char non_shell_help[] =
+    "\n"
+    "Non-shell mode \n"
+    "  qrx_cli [<Adapter ID>] <COMMAND> <OPTIONS>\n"
+    "  Default Adapter ID is 0.\n"
+    "E.g.\n"
+    "  qrx_cli info -o pd\n"
+    "  Show all PD information of adapter ID 0.\n"
+    "\n"
+    "  qrx_cli 1 info -o pd\n"
+    "  Show all PD information of adapter ID 1.\n";
 
 constexpr option kLong[] = {qrx::kOutputRow, qrx::kEndRow};
 constexpr int kNameWidth = 18;

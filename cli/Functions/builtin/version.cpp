@@ -5,16 +5,16 @@
 #include "cli/Public/frame/report.h"
 #include "cli/Public/messages.h"
 
-const char version_help[] = R"(
-Options:
-    -h, --help
-Examples:
-    version 
-    CLI Version: 1.0.0.1046
-    API Version: 1.0.0.1046
-    Support Firmware Version: 1.0.x.1039 above
-
-)";
+const char version_help[] =
+    "\n"
+    "Options:\n"
+    "    -h, --help\n"
+    "Examples:\n"
+    "    version \n"
+    "    CLI Version: 1.0.0.1046\n"
+    "    API Version: 1.0.0.1046\n"
+    "    Support Firmware Version: 1.0.x.1039 above\n"
+    "\n";
 
 namespace {
 
