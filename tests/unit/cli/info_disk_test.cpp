@@ -350,7 +350,7 @@ TEST_F(InfoVd, RaidModesStripesAndParity)
     vd.RaidMode = 2;
     EXPECT_EQ(lineOf(vd, "RAID Mode:"), "unknown");
     EXPECT_EQ(lineOf(vd, "Parity Disk Number:"), "none");
-    for (const QRX_U8 mode : {6, 96}) {
+    for (const QRX_U8 mode : {kRaid6, kRaid60}) {
         vd.RaidMode = mode;
         EXPECT_EQ(lineOf(vd, "Parity Disk Number:"), "2");
     }
@@ -367,7 +367,7 @@ TEST_F(InfoVd, RaidModesStripesAndParity)
 TEST_F(InfoVd, OnlyOneIsImportable)
 {
     NVME_VD_Info vd = someVd();
-    for (const QRX_U8 value : {0, 2, 255}) {
+    for (const QRX_U8 value : {QRX_U8{0}, QRX_U8{2}, QRX_U8{255}}) {
         vd.Importable = value;
         EXPECT_EQ(lineOf(vd, "Importable:"), "No");
     }

@@ -42,17 +42,17 @@ protected:
     }
 
     // Any fetch: a zeroed page goes along.
-    static test::Command page(QRX_U32 cdw12, QRX_U16 flag)
+    static test::Command fetch(QRX_U32 cdw12, QRX_U16 flag)
     {
         return test::Command::vendor(cdw12).flag(flag).receives(4096).carries(Bytes(4096));
     }
-    static test::Command adapterFetch() { return page(0xE0, 0x5001); }
-    static test::Command settingsFetch() { return page(0x0FE0, 0x1401).word(10, 1023); }
-    static test::Command pdFetch(QRX_U32 id) { return page(0xE1, 0x5001).word(14, id); }
-    static test::Command vdFetch(QRX_U32 id) { return page(0xE2, 0x5001).word(14, id); }
-    static test::Command bgaFetch(QRX_U32 id) { return page(0x2E3, 0x5001).word(14, id); }
-    static test::Command nsFetch() { return page(0xE5, 0x1001); }
-    static test::Command nsOfVdFetch(QRX_U32 vd) { return page(0x1E5 | vd << 16, 0x5001); }
+    static test::Command adapterFetch() { return fetch(0xE0, 0x5001); }
+    static test::Command settingsFetch() { return fetch(0x0FE0, 0x1401).word(10, 1023); }
+    static test::Command pdFetch(QRX_U32 id) { return fetch(0xE1, 0x5001).word(14, id); }
+    static test::Command vdFetch(QRX_U32 id) { return fetch(0xE2, 0x5001).word(14, id); }
+    static test::Command bgaFetch(QRX_U32 id) { return fetch(0x2E3, 0x5001).word(14, id); }
+    static test::Command nsFetch() { return fetch(0xE5, 0x1001); }
+    static test::Command nsOfVdFetch(QRX_U32 vd) { return fetch(0x1E5 | vd << 16, 0x5001); }
     static test::Command identify() { return test::Command::admin(6, 0, {1}).receives(4096).carries(Bytes(4096)); }
 
     // Identify Controller data of host `id`.

@@ -161,7 +161,7 @@ TEST_F(InfoNs, DebugLinesNameNoCdw14)
 TEST_F(InfoNs, SharingState)
 {
     const auto shown = [&](const Bytes& answer, QRX_U32 status = 0) {
-        machine.expect(InfoTest::page(0x0005'05E5, 0x1001).data(answer).status(status));
+        machine.expect(fetch(0x0005'05E5, 0x1001).data(answer).status(status));
         return outcomeOf([] {
             getNMIC(5);
             return 0;
