@@ -30,7 +30,7 @@ const std::string kPdText =
     "Size:                            1863 GB\n"
     "SSD backend RC/Slot ID:          5\n"
     "SSD backend Namespace ID:        4660\n"
-    "Firmware version:                FW1.2 \n";
+    "Firmware version:                FW1.2  \n";
 const std::string kPdPage = "PD ID:                           3\n" + kPdText +
                             "Status:                          Idle\n"
                             "Assigned:                        No\n"

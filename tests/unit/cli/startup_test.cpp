@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "api/src/device/common/DeviceManagement.h"
 #include "api/src/interface/api.h"
 #include "cli/qxsetup/shell.h"
 #include "tests/unit/cli/run.h"
@@ -54,6 +55,13 @@ const qrx::Host kHost{
     [] { host.calls.emplace_back("pause"); },
 };
 
+NVME_Adapter_Info adapterWithPorts(QRX_U8 count)
+{
+    NVME_Adapter_Info info{};
+    info.PortCount = count;
+    return info;
+}
+
 // A machine with controllers at /dev/nvme1 and /dev/nvme3.
 class StartUp : public testing::Test {
 protected:
@@ -91,8 +99,8 @@ protected:
     void expectStart()
     {
         for (unsigned slot : {0U, 1U}) {
-            machine.expect(Command::vendor(0xE0).flag(0x5001).receives(4096).on(slot).data(
-                envelope(NVME_Adapter_Info{.MaxPD = static_cast<QRX_U8>(7 + slot)})));
+            machine.expect(
+                Command::vendor(0xE0).flag(0x5001).receives(4096).on(slot).data(envelope(adapterWithPorts(1))));
         }
     }
     // The program with these arguments; `stream` is standard output unless they say otherwise.
@@ -160,14 +168,9 @@ TEST_F(StartUp, ExitIsMinusOneAsACommand)
 
 TEST_F(StartUp, ReadsARecordOfEachController)
 {
-    host.lines = {"exit"};
     addControllers();
     machine.expect(Command::vendor(0xE0).flag(0x5001).receives(4096).on(0).status(2));
-    machine.expect(Command::vendor(0xE0).flag(0x5001).receives(4096).on(1).data(
-        envelope(NVME_Adapter_Info{.PortCount = 5, .MaxPD = 0})));
-    static std::vector<int> seen;
-    host.onInit = nullptr;
-    seen.clear();
+    machine.expect(Command::vendor(0xE0).flag(0x5001).receives(4096).on(1).data(envelope(adapterWithPorts(5))));
     // The records are looked at through the shell: `info -o vd` probes PortCount indices of the current controller.
     host.lines = {"adapter -i 3", "info -o vd", "exit"};
     for (QRX_U32 i = 0; i < 5; ++i) {
@@ -342,7 +345,11 @@ TEST_F(StartUp, TheChoiceOfMode)
 {
     const auto shell = [](int argc, bool outPut, QRX_U8 specific, QRX_U16 vid) {
         gSpecificAdapterFlag = specific;
-        return qrx::wantsShell({.argc = argc, .outPut = outPut, .vid = vid});
+        qrx::Arguments arguments;
+        arguments.argc = argc;
+        arguments.outPut = outPut;
+        arguments.vid = vid;
+        return qrx::wantsShell(arguments);
     };
     EXPECT_TRUE(shell(1, false, 0, 0));
     EXPECT_TRUE(shell(1, false, 1, 0));
