@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -632,7 +635,7 @@ TEST_F(DeviceChecks, TheShorterNameEndsInANumber)
     machine.expect(identify(ctrl));
     std::string name(256, '#');
     get_identify_subnqn(device, name.data());
-    EXPECT_EQ(std::string(name.c_str()), "nqn" + std::string(57, ' ') + "4000000123");
+    EXPECT_EQ(name.substr(0, name.find('\0')), "nqn" + std::string(57, ' ') + "4000000123");
     EXPECT_EQ(name.substr(92), std::string(164, '#'));
 }
 
@@ -647,9 +650,8 @@ TEST(Sorting, IsAscendingByDeviceNumber)
     }
     sorting(order.data(), 5);
     std::vector<std::string> sorted;
-    for (PDevice device : order) {
-        sorted.emplace_back(device->device_path);
-    }
+    std::transform(order.begin(), order.end(), std::back_inserter(sorted),
+                   [](PDevice device) { return std::string(device->device_path); });
     EXPECT_EQ(sorted,
               (std::vector<std::string>{"/dev/nvme0", "/dev/nvme2", "/dev/nvme9", "/dev/nvme10", "/dev/nvme100"}));
 }

@@ -477,6 +477,17 @@ TEST_F(SmFile, FailuresOfSeekAndReadAreTold)
     EXPECT_EQ(libc.closed.size(), 2U);
 }
 
+TEST_F(SmFile, AFailedCloseIsToldAndTheDataIsGood)
+{
+    libc.onRead = [](int fd, void* buffer, std::size_t count) {
+        std::memset(buffer, 'x', count);
+        close(fd);
+        return static_cast<ssize_t>(count);
+    };
+    EXPECT_EQ(read(0, 4), "xxxx");
+    EXPECT_EQ(errors.text(), file + ": Bad file descriptor\n");
+}
+
 TEST_F(SmFile, AnEarlyEndIsTold)
 {
     libc.onFstat = [](int, struct stat*) { return -1; };

@@ -78,7 +78,8 @@ TEST(MountTable, WhatIsBehind1023CharactersIsDropped)
 
 TEST(MountTable, AZeroByteEndsTheTextOfItsLine)
 {
-    EXPECT_EQ(devicesIn(std::string("/dev/nvme0n1p1 \0/boot\n/dev/nvme1n1p1 /boot\n", 44)), Names{"/dev/nvme1n1"});
+    EXPECT_EQ(devicesIn("/dev/nvme0n1p1 " + std::string(1, '\0') + "/boot\n/dev/nvme1n1p1 /boot\n"),
+              Names{"/dev/nvme1n1"});
 }
 
 class SystemDisks : public testing::Test {

@@ -26,10 +26,11 @@ ScriptedDevice& scripted(PDevice device)
 
 Bytes copyOf(const void* data, std::size_t length)
 {
-    Bytes bytes(data == nullptr ? 0 : length);
-    if (!bytes.empty()) {
-        std::memcpy(bytes.data(), data, bytes.size());
+    if (data == nullptr || length == 0) {
+        return {};
     }
+    Bytes bytes(length);
+    std::memcpy(bytes.data(), data, length);
     return bytes;
 }
 
