@@ -212,7 +212,7 @@ class Shell(unittest.TestCase):
         self.says(child, "version", version)
 
     def test_the_shell_goes_on_after_a_failed_driver_call_of_info(self):
-        child = self.shell(simulator=("--fault", "opcode=0xe2,nth=4,errno=5"))
+        child = self.shell(simulator=("--fault", "command=0xe0,nth=4,errno=5"))
         child.sendline("info -o hba")
         child.expect_exact(PROMPT)
         self.assertIn("Unknown error (Status Code: 0xffffffff)\r\n", child.before)
