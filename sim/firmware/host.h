@@ -16,7 +16,7 @@ namespace qrx::sim {
 // A device node: /dev/nvme<controller>, or with a namespace /dev/nvme<controller>n<nsid>.
 struct Node {
     unsigned controller = 0;
-    QRX_U32 nsid = 0;   // 0: the controller's character device
+    QRX_U32 nsid = 0;  // 0: the controller's character device
 
     friend bool operator==(const Node&, const Node&) = default;
     friend auto operator<=>(const Node&, const Node&) = default;
@@ -24,30 +24,30 @@ struct Node {
 
 // How a command ended, as the driver reports it.
 struct Completion {
-    QRX_U32 status = 0;   // NVMe status: bits 7 to 0 code, bits 10 to 8 type; 0 success. Meaningless with an error.
-    QRX_U32 result = 0;   // Completion Dword 0
-    int error = 0;        // errno with which the ioctl fails (-1), or 0
+    QRX_U32 status = 0;  // NVMe status: bits 7 to 0 code, bits 10 to 8 type; 0 success. Meaningless with an error.
+    QRX_U32 result = 0;  // Completion Dword 0
+    int error = 0;       // errno with which the ioctl fails (-1), or 0
 };
 
 // A namespace that the host sees as a block device.
 struct NamespaceNode {
     QRX_U32 nsid = 0;
     QRX_U64 sectors = 0;
-    QRX_U32 sector_size = 512;   // bytes
-    std::string uuid;            // nguid or eui64 in lower-case hexadecimal, or empty
+    QRX_U32 sector_size = 512;  // bytes
+    std::string uuid;           // nguid or eui64 in lower-case hexadecimal, or empty
 
     friend bool operator==(const NamespaceNode&, const NamespaceNode&) = default;
 };
 
 // A controller that the host sees, with what its driver shows under sysfs.
 struct ControllerNode {
-    unsigned number = 0;         // the N of /dev/nvme<N>
-    std::string address;         // PCI address with domain, "0000:03:00.0"
+    unsigned number = 0;  // the N of /dev/nvme<N>
+    std::string address;  // PCI address with domain, "0000:03:00.0"
     QRX_U16 vendor_id = 0;
     QRX_U16 device_id = 0;
     QRX_U16 controller_id = 0;
-    unsigned slot_id = 0;        // System Slot in which it sits
-    std::string model;           // without padding
+    unsigned slot_id = 0;  // System Slot in which it sits
+    std::string model;     // without padding
     std::string serial;
     std::string firmware;
     std::string subnqn;

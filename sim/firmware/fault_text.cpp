@@ -1,0 +1,208 @@
+// The text form of a fault.
+#include <array>
+#include <charconv>
+#include <string>
+
+#include "sim/firmware/errno_name.h"
+#include "sim/firmware/fault_injector.h"
+
+namespace qrx::sim {
+
+namespace {
+
+constexpr QRX_U64 kAny64 = ~QRX_U64{0};
+constexpr QRX_U64 kMaxStatus = 0x7FFF;
+constexpr QRX_U64 kMaxDelay = QRX_U64{3600} * 1000 * 1000;  // an hour
+
+std::optional<QRX_U64> parse_number(std::string_view text)
+{
+    int base = 10;
+    if (text.starts_with("0x") || text.starts_with("0X")) {
+        text.remove_prefix(2);
+        base = 16;
+    }
+    QRX_U64 number = 0;
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number, base);
+    if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    return number;
+}
+
+// One "key=value" of a fault.
+struct Piece {
+    std::string_view key;
+    std::string_view value;
+    bool has_value = false;
+};
+
+Piece split(std::string_view text)
+{
+    const std::size_t equals = text.find('=');
+    if (equals == std::string_view::npos) {
+        return {text, {}, false};
+    }
+    return {text.substr(0, equals), text.substr(equals + 1), true};
+}
+
+class Parser {
+public:
+    explicit Parser(std::string_view text) : text_(text) {}
+
+    Result<Fault> parse()
+    {
+        std::string_view rest = text_;
+        while (true) {
+            const std::size_t comma = rest.find(',');
+            read(split(rest.substr(0, comma)));
+            if (comma == std::string_view::npos || !error_.empty()) {
+                break;
+            }
+            rest.remove_prefix(comma + 1);
+        }
+        check();
+        if (!error_.empty()) {
+            return Failure{"fault '" + std::string(text_) + "': " + error_};
+        }
+        return fault_;
+    }
+
+private:
+    void fail(const std::string& text)
+    {
+        if (error_.empty()) {
+            error_ = text;
+        }
+    }
+
+    // Puts the number into `field`, which must not have one yet.
+    template <class Number>
+    void number(const Piece& piece, std::optional<Number>& field, QRX_U64 least, QRX_U64 most)
+    {
+        const auto value = parse_number(piece.value);
+        if (field) {
+            fail("'" + std::string(piece.key) + "' is given twice");
+        } else if (!value || *value < least || *value > most) {
+            fail("'" + std::string(piece.value) + "' is no value of '" + std::string(piece.key) +
+                 "'; allowed are numbers from " + std::to_string(least) + " to " + std::to_string(most));
+        } else {
+            field = static_cast<Number>(*value);
+        }
+    }
+
+    void queue(const Piece& piece)
+    {
+        if (fault_.admin_queue) {
+            fail("'queue' is given twice");
+        } else if (piece.value != "admin" && piece.value != "io") {
+            fail("'" + std::string(piece.value) + "' is no value of 'queue'; allowed are 'admin' and 'io'");
+        } else {
+            fault_.admin_queue = piece.value == "admin";
+        }
+    }
+
+    void error_number(const Piece& piece)
+    {
+        const auto error = parse_errno(piece.value);
+        if (fault_.error) {
+            fail("'errno' is given twice");
+        } else if (!error) {
+            fail("'" + std::string(piece.value) + "' is no value of 'errno'; allowed are numbers from 1 to 4095 and " +
+                 errno_names());
+        } else {
+            fault_.error = error;
+        }
+    }
+
+    void delay(const Piece& piece)
+    {
+        struct Unit {
+            std::string_view name;
+            QRX_U64 microseconds;
+        };
+        // "s" last: the others end with it too.
+        static constexpr std::array<Unit, 3> kUnits{{{"us", 1}, {"ms", 1000}, {"s", 1000 * 1000}}};
+        std::optional<QRX_U64> time;
+        for (const Unit& unit : kUnits) {
+            if (piece.value.ends_with(unit.name)) {
+                const auto count = parse_number(piece.value.substr(0, piece.value.size() - unit.name.size()));
+                if (count && *count <= kMaxDelay / unit.microseconds) {
+                    time = *count * unit.microseconds;
+                }
+                break;
+            }
+        }
+        if (fault_.delay) {
+            fail("'delay' is given twice");
+        } else if (!time) {
+            fail("'" + std::string(piece.value) +
+                 "' is no value of 'delay'; allowed are a number and 'us', 'ms' or 's', at most 3600s");
+        } else {
+            fault_.delay = std::chrono::microseconds(*time);
+        }
+    }
+
+    void read(const Piece& piece)
+    {
+        if (piece.key == "corrupt") {
+            if (piece.has_value) {
+                number(piece, fault_.corrupt, 0, kAny64);
+            } else {
+                number({piece.key, "1", true}, fault_.corrupt, 0, kAny64);
+            }
+        } else if (piece.key == "nth") {
+            number(piece, fault_.nth, 1, kAny64);
+        } else if (piece.key == "every") {
+            number(piece, fault_.every, 1, kAny64);
+        } else if (piece.key == "opcode") {
+            number(piece, fault_.opcode, 0, 0xFF);
+        } else if (piece.key == "command") {
+            number(piece, fault_.command, 0, 0xFFFF);
+        } else if (piece.key == "device") {
+            number(piece, fault_.device, 0, 0xFFFFFFFF);
+        } else if (piece.key == "status") {
+            number(piece, fault_.status, 1, kMaxStatus);
+        } else if (piece.key == "short") {
+            number(piece, fault_.shorten, 0, 0xFFFFFFFF);
+        } else if (piece.key == "queue") {
+            queue(piece);
+        } else if (piece.key == "errno") {
+            error_number(piece);
+        } else if (piece.key == "delay") {
+            delay(piece);
+        } else {
+            fail("unknown word '" + std::string(piece.key) +
+                 "'; allowed are nth=, every=, opcode=, command=, queue=, device= to choose commands, and status=, "
+                 "errno=, short=, corrupt, corrupt=, delay= for what befalls them");
+        }
+    }
+
+    void check()
+    {
+        if (fault_.status && fault_.error) {
+            fail("status and errno exclude each other");
+        }
+        if (fault_.nth && fault_.every) {
+            fail("nth and every exclude each other");
+        }
+        if ((fault_.status || fault_.error) && (fault_.shorten || fault_.corrupt)) {
+            fail("a command that ends with status or errno has no answer to be short or corrupt");
+        }
+        if (!fault_.status && !fault_.error && !fault_.shorten && !fault_.corrupt && !fault_.delay) {
+            fail("it does nothing; add status=, errno=, short=, corrupt or delay=");
+        }
+    }
+
+    std::string_view text_;
+    Fault fault_;
+    std::string error_;
+};
+
+}  // namespace
+
+Result<Fault> parse_fault(std::string_view text)
+{
+    return Parser(text).parse();
+}
+
+}  // namespace qrx::sim

@@ -1,0 +1,137 @@
+#include "sim/firmware/tracer.h"
+
+#include <array>
+#include <charconv>
+#include <cstring>
+
+#include "api/src/interface/wire/buffer.h"
+#include "api/src/interface/wire/command.h"
+#include "api/src/interface/wire/envelope.h"
+#include "sim/firmware/errno_name.h"
+#include "sim/firmware/opcodes.h"
+#include "sim/firmware/status.h"
+
+namespace qrx::sim {
+
+namespace {
+
+std::string hex(QRX_U64 value, std::size_t digits = 1)
+{
+    std::array<char, 16> buffer{};
+    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, 16);
+    const std::string text(buffer.data(), written.ptr);
+    return "0x" + std::string(text.size() < digits ? digits - text.size() : 0, '0') + text;
+}
+
+std::string name_of(const Node& node)
+{
+    const std::string name = "nvme" + std::to_string(node.controller);
+    return node.nsid == 0 ? name : name + "n" + std::to_string(node.nsid);
+}
+
+// Whether the command's CDW12 holds a vendor command.
+bool vendor_coded(QRX_U8 opcode)
+{
+    return opcode == kVendorRead || opcode == kVendorWrite;
+}
+
+void append_word(std::string& line, const char* name, QRX_U64 value)
+{
+    if (value != 0) {
+        line += ' ';
+        line += name;
+        line += '=';
+        line += hex(value);
+    }
+}
+
+void append_words(std::string& line, const nvme_admin_cmd& command)
+{
+    append_word(line, "flags", command.flags);
+    append_word(line, "rsvd1", command.rsvd1);
+    append_word(line, "nsid", command.nsid);
+    append_word(line, "cdw2", command.cdw2);
+    append_word(line, "cdw3", command.cdw3);
+    append_word(line, "metadata_len", command.metadata_len);
+    append_word(line, "cdw10", command.cdw10);
+    append_word(line, "cdw11", command.cdw11);
+    append_word(line, "cdw12", command.cdw12);
+    append_word(line, "cdw13", command.cdw13);
+    append_word(line, "cdw14", command.cdw14);
+    append_word(line, "cdw15", command.cdw15);
+    append_word(line, "timeout_ms", command.timeout_ms);
+}
+
+const char* direction(QRX_U8 opcode)
+{
+    if (data_to_device(opcode) == data_from_device(opcode)) {
+        return " data=";
+    }
+    return data_to_device(opcode) ? " out=" : " in=";
+}
+
+// The cmd_status of an answer that has an envelope, else 0.
+QRX_U8 verdict_of(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
+{
+    if (command.opcode != kVendorRead && command.opcode != kPairReceive) {
+        return 0;
+    }
+    const auto envelope = wire::read<NVMEReceiveData>(data);
+    return envelope && std::memcmp(envelope->sign, kFrameSign, 3) == 0 ? envelope->cmd_status : QRX_U8{0};
+}
+
+}  // namespace
+
+Completion Tracer::admin(const Node& node, const nvme_admin_cmd& command, std::span<QRX_U8> data)
+{
+    const Completion completion = inner().admin(node, command, data);
+    write_line(node, true, command, data, completion);
+    return completion;
+}
+
+Completion Tracer::io(const Node& node, const nvme_admin_cmd& command, std::span<QRX_U8> data)
+{
+    const Completion completion = inner().io(node, command, data);
+    write_line(node, false, command, data, completion);
+    return completion;
+}
+
+void Tracer::write_line(const Node& node, bool admin_queue, const nvme_admin_cmd& command, std::span<const QRX_U8> data,
+                        const Completion& completion)
+{
+    const QRX_U8 opcode = command.opcode;
+    std::string line = std::to_string(++count_);
+    line += ' ';
+    line += name_of(node);
+    line += admin_queue ? " admin " : " io ";
+    line += admin_queue ? admin_opcode_name(opcode) : io_opcode_name(opcode);
+    line += '(' + hex(opcode, 2) + ')';
+    if (admin_queue && vendor_coded(opcode)) {
+        const auto code = static_cast<QRX_U16>(command.cdw12);
+        line += ' ';
+        line += vendor_command_name(code);
+        line += '(' + hex(code, 4) + ')';
+    }
+    append_words(line, command);
+    if (!data.empty()) {
+        line += direction(opcode);
+        line += std::to_string(data.size());
+    }
+    line += " -> ";
+    if (completion.error != 0) {
+        line += "errno " + errno_name(completion.error);
+    } else {
+        line += status_name(completion.status);
+        if (completion.status != status::kSuccess) {
+            line += '(' + hex(completion.status) + ')';
+        }
+        append_word(line, "result", completion.result);
+        if (admin_queue && completion.status == status::kSuccess) {
+            append_word(line, "cmd_status", verdict_of(command, data));
+        }
+    }
+    line += '\n';
+    out_ << line << std::flush;
+}
+
+}  // namespace qrx::sim
