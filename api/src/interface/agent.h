@@ -17,12 +17,12 @@ QRX_U32 QRX_Adapter_NVM(QRX_U8 adapter_id, QRX_U8 opc, QRX_U32 name_space, QRX_U
 
 // Sends the whole record `pCmd` (a _qrx_admin_command_format). Prints the status text. `params`, if not null, gets
 // Completion Dword 0. data_out is filled whatever the outcome.
-QRX_U32 QRX_Adapter_PassthruAdmin(QRX_U8 adapter_id, void* pCmd, void* data_in, QRX_U16 data_in_length,
-                                  void* data_out, QRX_U16 data_out_length, QRX_U32* params);
+QRX_U32 QRX_Adapter_PassthruAdmin(QRX_U8 adapter_id, void* pCmd, void* data_in, QRX_U16 data_in_length, void* data_out,
+                                  QRX_U16 data_out_length, QRX_U32* params);
 
 // The same for probes, where a failure is an expected answer: prints nothing.
-QRX_U32 QRX_Adapter_PassthruAdmin_no_status_code(QRX_U8 adapter_id, void* pCmd, void* data_in,
-                                                 QRX_U16 data_in_length, void* data_out, QRX_U16 data_out_length);
+QRX_U32 QRX_Adapter_PassthruAdmin_no_status_code(QRX_U8 adapter_id, void* pCmd, void* data_in, QRX_U16 data_in_length,
+                                                 void* data_out, QRX_U16 data_out_length);
 
 // Prints "<text> (Status Code: 0x<status>)" to standard output; nothing for 0.
 void _showStatusCode(QRX_U32 statusCode);

@@ -13,7 +13,7 @@ QRX_U8 QRX_IsSysDenied();
 
 QRX_U16 QRX_Adapter_GetCount();
 QRX_U8 QRX_Adapter_GetOneBaseMode();
-QRX_U16* QRX_Adapter_GetDeviceVID();   // where the vendor id of --vid=0x... is kept
+QRX_U16* QRX_Adapter_GetDeviceVID();  // where the vendor id of --vid=0x... is kept
 
 // Of the controller at table index `adapter_id`, which must be below kMaxDevices.
 char* QRX_Adapter_GetDeviceFun(QRX_U16 adapter_id);
