@@ -151,7 +151,7 @@ int takeLong(int argc, char** argv, const char* optstring, bool print_errors, co
 
 int takeShort(int argc, char** argv, const char* optstring, bool print_errors)
 {
-    const char c = *nextchar++;
+    const int c = static_cast<unsigned char>(*nextchar++);
     const char* temp = std::strchr(optstring, c);
     const bool last = *nextchar == '\0';
     if (last) {

@@ -53,7 +53,7 @@ int runLine(char* command)
         print("Type 'exit' to exit CLI.\n");
         return 0;
     }
-    return cmdDispatcher(num, param.data());
+    return runWords(num, param.data());
 }
 
 // The exit value of the shell.

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
+#include <new>
 
 #include "api/src/interface/adapter.h"
 #include "api/src/interface/api.h"
@@ -37,6 +37,7 @@ void takeOutput(Arguments& arguments)
             arguments.failed = true;
             return;
         }
+        (void)std::setvbuf(output, nullptr, _IOLBF, BUFSIZ);  // in step with what goes to standard output and error
         stream = output;
         arguments.argv[i][1] = '\x01';
         arguments.outPut = true;
@@ -106,7 +107,7 @@ int runCommand(const Arguments& arguments, const Host& host)
     if (gNumAdaptersFound == 0 && std::strcmp(words[0], "help") != 0 && std::strcmp(words[0], "version") != 0) {
         return 0;
     }
-    const int result = cmdDispatcher(count, words);
+    const int result = runWords(count, words);
     host.final();
     freeControllers();
     closeStream();
@@ -114,6 +115,16 @@ int runCommand(const Arguments& arguments, const Host& host)
 }
 
 }  // namespace
+
+int runWords(int argc, char** argv)
+{
+    try {
+        return cmdDispatcher(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fputs("qrx_cli: out of memory\n", stderr);
+        return 1;
+    }
+}
 
 void freeControllers()
 {
@@ -123,12 +134,15 @@ void freeControllers()
 
 void closeStream()
 {
-    if (stream != nullptr && stream != stdout) {
-        if (std::fclose(stream) != 0) {
-            std::fprintf(stderr, "qrx_cli: cannot write the output file: %s\n", std::strerror(errno));
-        }
-        stream = stdout;
+    if (stream == nullptr || stream == stdout) {
+        return;
     }
+    const bool lost = std::ferror(stream) != 0;
+    errno = 0;
+    if (std::fclose(stream) != 0 || lost) {
+        std::fprintf(stderr, "qrx_cli: cannot write the output file: %s\n", std::strerror(errno != 0 ? errno : EIO));
+    }
+    stream = stdout;
 }
 
 Arguments scanArguments(int argc, char** argv)

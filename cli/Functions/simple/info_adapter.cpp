@@ -7,7 +7,6 @@
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/lines.h"
-#include "cli/Public/frame/number.h"
 #include "cli/Public/frame/report.h"
 
 namespace {

@@ -9,7 +9,6 @@
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/lines.h"
-#include "cli/Public/frame/number.h"
 
 namespace {
 
@@ -181,7 +180,7 @@ void Adapter_PrintInfo(QRX_U8 AdapterID, const NVME_Adapter_Info& info, bool sho
     lines.number("Max PD:", info.MaxPD);
     lines.number(isRaid ? "Max NS of Per VD:" : "Max NS of Per PD:", info.MaxNSPerVD);
     lines.number("Max NS:", info.MaxNS);
-    lines.number("Host ID:", static_cast<QRX_U64>(get_hostID(AdapterID) + qrx::idBase()));
+    lines.id("Host ID:", get_hostID(AdapterID));
     lines.text("Supported RAID Mode:", isRaid ? wordsOf(info.SupportRAIDMode, kRaidModeWords).c_str() : "Not Support");
     lines.text("Cache:", cacheWord(info.Cache));
     if (isRaid) {

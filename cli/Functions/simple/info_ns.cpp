@@ -4,7 +4,6 @@
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/lines.h"
-#include "cli/Public/frame/number.h"
 #include "cli/Public/frame/report.h"
 
 namespace {
@@ -98,7 +97,7 @@ void NS_PrintInfo(const NVME_NS_Info& ns, bool isJBOF)
     const Lines lines(kWidth);
     lines.number("NS ID:", ns.NSID);
     lines.gigabytes("Size:", ns.LBA, ns.SectorSize);
-    lines.number(isJBOF ? "Parent PD ID:" : "Parent VD ID:", static_cast<QRX_U64>(ns.ID + qrx::idBase()));
+    lines.id(isJBOF ? "Parent PD ID:" : "Parent VD ID:", ns.ID);
     lines.yesNo("Valid:", (ns.Status & kNsValid) != 0);
     lines.yesNo("Active:", (ns.Status & kNsActive) != 0);
     if (!isJBOF) {

@@ -2,7 +2,6 @@
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/lines.h"
-#include "cli/Public/frame/number.h"
 #include "cli/Public/frame/report.h"
 
 namespace {
@@ -74,14 +73,13 @@ QRX_U32 getOneHDInfoSA(QRX_U16 HDID, bool isJBOF)
 void HD_PrintInfo(const NVME_PD_Info& pd, bool isJBOF)
 {
     const qrx::Lines lines(32);
-    const int base = qrx::idBase();
-    lines.number("PD ID:", static_cast<QRX_U64>(pd.ID + base));
+    lines.id("PD ID:", pd.ID);
     lines.text("Model:", fieldText(pd.Model, kModelBlanks).c_str());
     lines.text("Serial:", fieldText(pd.SerialNo, kSerialBlanks).c_str());
     lines.textf("Sector Size:", "%d bytes", static_cast<int>(pd.SectorSize));
     lines.number64("LBA:", pd.LBA);
     lines.gigabytes("Size:", pd.LBA, pd.SectorSize);
-    lines.number("SSD backend RC/Slot ID:", static_cast<QRX_U64>(pd.SSDAdapterID + base));
+    lines.id("SSD backend RC/Slot ID:", pd.SSDAdapterID);
     lines.number("SSD backend Namespace ID:", pd.SSDNSID);
     lines.text("Firmware version:", fieldText(pd.FWVersion, kFirmwareBlanks).c_str());
     lines.text("Status:", statusWord(pd.Status));

@@ -130,7 +130,7 @@ QRX_U32 getOneLDInfoSA(QRX_U16 LDID)
 void LD_PrintInfo(const NVME_VD_Info& vd)
 {
     const Lines lines(kWidth);
-    lines.number("VD ID:", static_cast<QRX_U64>(vd.ID + qrx::idBase()));
+    lines.id("VD ID:", vd.ID);
     lines.text("Name:", qrx::info::fieldText(vd.Name).c_str());
     lines.text("Status:", statusWord(vd.Status));
     lines.yesNo("Importable:", vd.Importable == 1);

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "api/src/interface/globals.h"
+#include "cli/Public/frame/number.h"
 #include "cli/Public/messages.h"
 
 namespace qrx {
@@ -27,6 +28,11 @@ void Lines::number(const char* label, QRX_U64 value) const
 void Lines::number64(const char* label, QRX_U64 value) const
 {
     std::fprintf(stream, fmt_Num64, width_, label, static_cast<unsigned long>(static_cast<QRX_U32>(value)));
+}
+
+void Lines::id(const char* label, QRX_U32 zeroBased) const
+{
+    number(label, QRX_U64{zeroBased} + static_cast<unsigned>(idBase()));
 }
 
 void Lines::pair(const char* label, QRX_U64 first, QRX_U64 second) const

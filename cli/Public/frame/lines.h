@@ -12,6 +12,7 @@ public:
 
     void number(const char* label, QRX_U64 value) const;                // fmt_Num, signed
     void number64(const char* label, QRX_U64 value) const;              // fmt_Num64, unsigned
+    void id(const char* label, QRX_U32 zeroBased) const;                // fmt_Num, under the one-based rule
     void pair(const char* label, QRX_U64 first, QRX_U64 second) const;  // fmt_Array
     void hex(const char* label, QRX_U32 value) const;                   // fmt_Hex
     void hex64(const char* label, QRX_U64 value) const;                 // fmt_Hex64

@@ -154,6 +154,15 @@ TEST(LabelLines, NarrowToThirtyTwoBits)
     EXPECT_EQ(linesOf([&] { lines.hex64("A:", 0x1234'56789ABC); }), "A:         0x123456789abc\n");
 }
 
+TEST(LabelLines, IdsGoByTheOneBasedRule)
+{
+    GlobalsGuard guard;
+    g_oneBaseMode = 0;
+    EXPECT_EQ(linesOf([] { Lines(5).id("A:", 65535); }), "A:    65535\n");
+    g_oneBaseMode = 1;
+    EXPECT_EQ(linesOf([] { Lines(5).id("A:", 65535); }), "A:    65536\n");
+}
+
 TEST(LabelLines, Texts)
 {
     const Lines lines(5);

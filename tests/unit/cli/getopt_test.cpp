@@ -230,6 +230,14 @@ TEST_F(Scanner, AColonIsNeverALetter)
     EXPECT_EQ(err, "c: illegal option -- :\n");
 }
 
+TEST_F(Scanner, AByteAbove127IsAnIllegalLetterOfItsOwnValue)
+{
+    Words words{"c", "-\xC3"};
+    EXPECT_EQ(scan(words).front(), (Step{'?', "(null)", 2}));
+    EXPECT_EQ(err, "c: illegal option -- \xC3\n");
+    EXPECT_EQ(optopt, 0xC3);
+}
+
 TEST_F(Scanner, AFlagGetsItsValueAndTheResultIsZero)
 {
     Words words{"c", "--stored"};

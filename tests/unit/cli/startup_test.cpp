@@ -8,6 +8,7 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,7 @@
 #include "cli/qxsetup/shell.h"
 #include "tests/unit/cli/run.h"
 #include "tests/unit/cli/texts.h"
+#include "tests/unit/support/libc.h"
 
 namespace {
 
@@ -393,6 +395,41 @@ TEST_F(StartUp, ADeniedControllerIsToldApart)
     EXPECT_EQ(gSysDenied, 0);
 }
 
+TEST_F(StartUp, WithoutMemoryForTheRecordsItEndsCleanly)
+{
+    addControllers();
+    Libc libc;
+    host.onInit = [&] { libc.failAllocation(1); };
+    const Outcome outcome = run({"version", "-output", out});
+    EXPECT_EQ(outcome, (Outcome{1, "", "", "qrx_cli: out of memory\n"}));
+    EXPECT_EQ(host.calls, (std::vector<std::string>{"init", "final"}));
+    EXPECT_EQ(stream, stdout);
+}
+
+// Puts a handler into the row of `version` over its life.
+class SwappedHandler {
+public:
+    explicit SwappedHandler(CommandHandler handler) { generalCmdTableV1[3].cmdHandler = handler; }
+    ~SwappedHandler() { generalCmdTableV1[3].cmdHandler = saved_; }
+    SwappedHandler(const SwappedHandler&) = delete;
+    SwappedHandler& operator=(const SwappedHandler&) = delete;
+
+private:
+    CommandHandler saved_ = generalCmdTableV1[3].cmdHandler;
+};
+
+int outOfMemory(int /*argc*/, char** /*argv*/, PCommand_Info /*row*/)
+{
+    throw std::bad_alloc();
+}
+
+TEST_F(StartUp, ACommandThatRunsOutOfMemoryIsOneAndEndsCleanly)
+{
+    const SwappedHandler swapped(outOfMemory);
+    EXPECT_EQ(runOn({"version"}), (Outcome{1, "", "", "qrx_cli: out of memory\n"}));
+    EXPECT_EQ(host.calls, (std::vector<std::string>{"init", "final"}));
+}
+
 class Shell : public StartUp {
 protected:
     // A shell session. The welcome lines are taken off.
@@ -467,6 +504,18 @@ TEST_F(Shell, AFailedDriverCallOfInfoDoesNotEndIt)
     host.lines = {"info -o hba", "exit"};
     EXPECT_EQ(run({}).result, 0);
     EXPECT_TRUE(host.lines.empty());
+}
+
+TEST_F(Shell, ACommandThatRunsOutOfMemoryBringsThePromptBack)
+{
+    const SwappedHandler swapped(outOfMemory);
+    EXPECT_EQ(session({"version", "exit"}), (Outcome{0, "", "", "qrx_cli: out of memory\n"}));
+}
+
+TEST_F(Shell, AHandlersMinusOneEndsItWithZero)
+{
+    const SwappedHandler swapped([](int, char**, PCommand_Info) { return -1; });
+    EXPECT_EQ(session({"version"}), printed(0, ""));
 }
 
 TEST_F(Shell, OnAFileOfVendorIdAndOutput)
