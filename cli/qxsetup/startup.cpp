@@ -138,9 +138,8 @@ void closeStream()
         return;
     }
     const bool lost = std::ferror(stream) != 0;
-    errno = 0;
     if (std::fclose(stream) != 0 || lost) {
-        std::fprintf(stderr, "qrx_cli: cannot write the output file: %s\n", std::strerror(errno != 0 ? errno : EIO));
+        std::fputs("qrx_cli: cannot write all of the output file\n", stderr);
     }
     stream = stdout;
 }

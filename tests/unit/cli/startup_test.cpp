@@ -269,7 +269,7 @@ TEST_F(StartUp, AFileThatCannotBeOpenedEndsBeforeAnyCommand)
 TEST_F(StartUp, AFileThatCannotBeWrittenIsTold)
 {
     const Outcome outcome = runOn({"version", "-output", "/dev/full"});
-    EXPECT_EQ(outcome, (Outcome{0, "", "", "qrx_cli: cannot write the output file: No space left on device\n"}));
+    EXPECT_EQ(outcome, (Outcome{0, "", "", "qrx_cli: cannot write all of the output file\n"}));
 }
 
 TEST_F(StartUp, StatusTextsStayOnStandardOutput)
