@@ -9,8 +9,8 @@ namespace qrx::sim {
 struct BackgroundActivity {
     QRX_U8 type = QRX_NVME_BGA_TYPE_VD_INIT_BACKGROUND;
     QRX_U8 state = QRX_NVME_BGA_STATUS_RUNNING;
-    QRX_U64 elapsed = 0;             // milliseconds of work done
-    QRX_U64 duration = 7200 * 1000;  // milliseconds of work in all, at least 1
+    QRX_U64 elapsed = 0;                // milliseconds of work done
+    QRX_U64 duration = 7200ULL * 1000;  // milliseconds of work in all, at least 1
 
     friend bool operator==(const BackgroundActivity&, const BackgroundActivity&) = default;
 

@@ -43,11 +43,11 @@ bool Fault::chooses(const Node& node, bool admin, const nvme_admin_cmd& sent) co
            (!command || (vendor && *command == static_cast<QRX_U16>(sent.cdw12)));
 }
 
-FaultInjector::FaultInjector(Host& inner, std::vector<Fault> faults, Sleep sleep)
+FaultInjector::FaultInjector(Host& inner, std::span<const Fault> faults, Sleep sleep)
     : Decorator(inner), sleep_(std::move(sleep))
 {
-    for (Fault& fault : faults) {
-        armed_.push_back({std::move(fault)});
+    for (const Fault& fault : faults) {
+        armed_.push_back({fault});
     }
 }
 

@@ -22,6 +22,7 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -58,7 +59,7 @@ public:
     using Sleep = std::function<void(std::chrono::microseconds)>;
 
     // `inner` must outlive the injector; `sleep` lets real time go by.
-    FaultInjector(Host& inner, std::vector<Fault> faults, Sleep sleep);
+    FaultInjector(Host& inner, std::span<const Fault> faults, Sleep sleep);
 
     // Where several faults hit a command all their delays count, the first status or error decides, and otherwise
     // all their damage is done.

@@ -121,7 +121,7 @@ private:
             QRX_U64 microseconds;
         };
         // "s" last: the others end with it too.
-        static constexpr std::array<Unit, 3> kUnits{{{"us", 1}, {"ms", 1000}, {"s", 1000 * 1000}}};
+        static constexpr std::array<Unit, 3> kUnits{{{"us", 1}, {"ms", 1000}, {"s", 1000ULL * 1000}}};
         std::optional<QRX_U64> time;
         for (const Unit& unit : kUnits) {
             if (piece.value.ends_with(unit.name)) {

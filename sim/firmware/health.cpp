@@ -45,7 +45,7 @@ _qrx_smart_log Health::log(QRX_U64 errors) const
     put_counter(log.host_writes, host_writes);
     put_counter(log.ctrl_busy_time, busy_minutes);
     put_counter(log.power_cycles, power_cycles);
-    put_counter(log.power_on_hours, power_on_milliseconds / (3600 * 1000));
+    put_counter(log.power_on_hours, power_on_milliseconds / (3600ULL * 1000));
     put_counter(log.unsafe_shutdowns, unsafe_shutdowns);
     put_counter(log.media_errors, media_errors);
     put_counter(log.num_err_log_entries, errors);

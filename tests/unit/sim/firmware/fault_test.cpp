@@ -1,6 +1,7 @@
 // Faults: their text form, which commands they choose, and what befalls those.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 
@@ -86,9 +87,12 @@ TEST(FaultText, SaysWhatIsWrongAndWhatIsAllowed)
         "ENODEV, ENXIO, EACCES, EPERM, EINTR, EAGAIN, EBUSY, ENOMEM, EFAULT, ENOTTY, ENOSPC, ETIME, ETIMEDOUT, "
         "EREMOTEIO, ECANCELED");
     for (const std::string value : {"50", "ms", "1.5s", "3601s", "99999999999999999999us", "5m"}) {
-        EXPECT_EQ(parse_fault("delay=" + value).error(),
-                  "fault 'delay=" + value + "': '" + value +
-                      "' is no value of 'delay'; allowed are a number and 'us', 'ms' or 's', at most 3600s");
+        std::string expected = "fault 'delay=";
+        expected += value;
+        expected += "': '";
+        expected += value;
+        expected += "' is no value of 'delay'; allowed are a number and 'us', 'ms' or 's', at most 3600s";
+        EXPECT_EQ(parse_fault("delay=" + value).error(), expected);
     }
 }
 
@@ -98,7 +102,12 @@ TEST(FaultText, RefusesWhatDoesNotGoTogether)
                                    "queue=io,queue=io", "device=1,device=1", "status=1,status=1", "errno=1,errno=2",
                                    "short=1,short=1", "corrupt,corrupt", "delay=1s,delay=1s"}) {
         const std::string key = pair.substr(0, pair.find_first_of("=,"));
-        EXPECT_EQ(parse_fault(pair).error(), "fault '" + pair + "': '" + key + "' is given twice");
+        std::string expected = "fault '";
+        expected += pair;
+        expected += "': '";
+        expected += key;
+        expected += "' is given twice";
+        EXPECT_EQ(parse_fault(pair).error(), expected);
     }
     EXPECT_EQ(parse_fault("status=1,errno=1").error(), "fault 'status=1,errno=1': status and errno exclude each other");
     EXPECT_EQ(parse_fault("nth=1,every=1,corrupt").error(),
@@ -154,10 +163,8 @@ protected:
     }
     std::vector<QRX_U32> statuses(int count)
     {
-        std::vector<QRX_U32> all;
-        for (int i = 0; i < count; ++i) {
-            all.push_back(vendor().status);
-        }
+        std::vector<QRX_U32> all(static_cast<std::size_t>(count));
+        std::generate(all.begin(), all.end(), [this] { return vendor().status; });
         return all;
     }
 

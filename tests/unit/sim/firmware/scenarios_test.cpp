@@ -11,7 +11,6 @@ namespace qrx::sim {
 
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
 

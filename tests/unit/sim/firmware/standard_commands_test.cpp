@@ -269,7 +269,7 @@ TEST_F(Standard, ErrorLogHoldsTheLatest64NewestFirst)
         entry.status_field = 0x00B << 1;
         entry.parm_error_location = 0xFFFF;
         entry.nsid = 1070 - i;
-        EXPECT_EQ(rig_.bytes(i * 64, 64), raw(entry));
+        EXPECT_EQ(rig_.bytes(std::size_t{i} * 64, 64), raw(entry));
     }
 }
 
