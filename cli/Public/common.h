@@ -15,7 +15,7 @@ using PCommand_Info = _cmd_struct*;
 using CommandHandler = int (*)(int argc, char** argv, PCommand_Info pCmdInfo);
 
 // One row of a command table.
-struct _cmd_struct {  // NOLINT(clang-analyzer-optin.performance.Padding): rows are written in this order
+struct _cmd_struct {
     const char* cmd;  // command word, lower case
     int cmdLen;       // length of cmd with its terminator
     CommandHandler cmdHandler;

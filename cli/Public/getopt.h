@@ -12,7 +12,7 @@ inline constexpr int required_argument = 1;
 inline constexpr int optional_argument = 2;
 
 // One row of a long-option table.
-struct option {        // NOLINT(clang-analyzer-optin.performance.Padding): the interface of the family
+struct option {
     const char* name;  // without dashes; null ends the table
     int has_arg;
     int* flag;  // not null: gets `val`, and the scanner returns 0

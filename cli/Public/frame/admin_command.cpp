@@ -85,7 +85,7 @@ int AdminCommand::receiveQuietly(std::span<QRX_U8> data, QRX_U8 adapter) const
 
 AdminCommand vendorCommand(QRX_U8 group, QRX_U8 subOpcode, QRX_U16 unit, QRX_U32 opcode)
 {
-    return AdminCommand(opcode).word(12, apOpcode(group, subOpcode, unit));
+    return AdminCommand(opcode).word(12, vendorWord(group, subOpcode, unit));
 }
 
 bool Response::isSigned() const

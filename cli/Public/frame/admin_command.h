@@ -47,12 +47,6 @@ private:
     unsigned filled_ = 0;
 };
 
-// The word in CDW12.
-constexpr QRX_U32 apOpcode(QRX_U8 group, QRX_U8 subOpcode, QRX_U16 unit = 0)
-{
-    return group | static_cast<QRX_U32>(subOpcode) << 8 | static_cast<QRX_U32>(unit) << 16;
-}
-
 // A vendor command with its CDW0 and CDW12.
 AdminCommand vendorCommand(QRX_U8 group, QRX_U8 subOpcode, QRX_U16 unit = 0, QRX_U32 opcode = kVendorRead);
 

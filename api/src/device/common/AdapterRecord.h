@@ -15,12 +15,6 @@ namespace qrx {
 // One page of command data.
 using Page = std::array<QRX_U8, wire::kPageSize>;
 
-// CDW12 of a vendor command whose 16-bit argument is 0.
-constexpr QRX_U32 vendorWord(QRX_U8 group, QRX_U8 sub_opcode)
-{
-    return QRX_U32{group} | QRX_U32{sub_opcode} << 8U;
-}
-
 inline constexpr QRX_U8 kSubReadAdapterInfo = 0x00;
 inline constexpr QRX_U8 kSubSetTime = 0x03;
 inline constexpr QRX_U8 kSubReadVdInfo = 0x00;

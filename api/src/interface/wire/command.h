@@ -96,3 +96,13 @@ struct _NVME_AP_Opcode {
 using NVME_AP_Opcode = _NVME_AP_Opcode;
 static_assert(sizeof(_NVME_AP_Opcode) == 4);
 static_assert(offsetof(_NVME_AP_Opcode, unit) == 2);
+
+namespace qrx {
+
+// The same word from its parts.
+constexpr QRX_U32 vendorWord(QRX_U8 group, QRX_U8 subOpcode, QRX_U16 unit = 0)
+{
+    return QRX_U32{group} | QRX_U32{subOpcode} << 8U | QRX_U32{unit} << 16U;
+}
+
+}  // namespace qrx
