@@ -12,8 +12,6 @@
 #include <optional>
 #include <utility>
 
-#include "sim/transport/device_ioctl.h"
-
 namespace qrx::sim {
 namespace {
 
@@ -371,17 +369,14 @@ Reply CallServer::xattr(const Caller& caller, const Call& call)
 Reply CallServer::ioctl(const Caller& caller, const Call& call)
 {
     const unsigned long request = static_cast<QRX_U32>(call.arguments[1]);
-    const std::optional<FileIdentity> identity = caller.identity(int_argument(call.arguments[0]));
-    if (!identity) {
-        return pass_on();  // EBADF
-    }
-    const std::optional<Node> node = devices_.find(*identity);
+    const std::optional<Node> node = descriptors_.find(caller, int_argument(call.arguments[0]));
     if (!node) {
         // Whatever it is, it is no device of the simulated machine, and must not be one of the real machine.
-        return is_nvme_request(request) ? fail(ENOTTY) : pass_on();
+        const bool open = caller.identity(int_argument(call.arguments[0])).has_value();
+        return open && is_nvme_request(request) ? fail(ENOTTY) : pass_on();
     }
     commands_ran_ = true;
-    const IoctlResult done = device_ioctl(host_, *node, caller, request, call.arguments[2], data_);
+    const IoctlResult done = device_ioctl(host_, *node, caller, request, call.arguments[2], transfer_);
     return done.error != 0 ? fail(done.error) : succeed(done.value);
 }
 

@@ -5,13 +5,14 @@
 
 #include <array>
 #include <cstddef>
-#include <vector>
 
 #include "api/src/interface/wire/types.h"
 #include "sim/firmware/host.h"
 #include "sim/transport/call_kind.h"
 #include "sim/transport/caller.h"
+#include "sim/transport/descriptor_cache.h"
 #include "sim/transport/device_files.h"
+#include "sim/transport/device_ioctl.h"
 #include "sim/transport/machine_view.h"
 #include "sim/transport/path_resolver.h"
 #include "sim/transport/private_tree.h"
@@ -66,7 +67,8 @@ private:
     MachineView view_;
     PrivateTree tree_;
     DeviceFiles devices_;
-    std::vector<QRX_U8> data_;   // of the command at hand; kept for its memory
+    DescriptorCache descriptors_{devices_};
+    TransferBuffer transfer_;
     bool commands_ran_ = false;  // since the view was last compared
 };
 

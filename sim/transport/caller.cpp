@@ -70,6 +70,14 @@ bool Caller::write(QRX_U64 address1, std::span<const QRX_U8> bytes1, QRX_U64 add
            static_cast<ssize_t>(bytes1.size() + bytes2.size());
 }
 
+std::size_t Caller::read(QRX_U64 address1, std::span<QRX_U8> bytes1, QRX_U64 address2, std::span<QRX_U8> bytes2) const
+{
+    const std::array<iovec, 2> to = {local(bytes1), local(bytes2)};
+    const std::array<iovec, 2> from = {remote(address1, bytes1.size()), remote(address2, bytes2.size())};
+    const ssize_t got = process_vm_readv(pid_, to.data(), to.size(), from.data(), from.size(), 0);
+    return got < 0 ? 0 : static_cast<std::size_t>(got);
+}
+
 std::optional<std::string> Caller::read_path(QRX_U64 address) const
 {
     std::string text;

@@ -17,12 +17,17 @@ class Caller {
 public:
     explicit Caller(pid_t pid) : pid_(pid) {}
 
+    [[nodiscard]] pid_t pid() const { return pid_; }
+
     // Copies between the caller's memory and ours. False when not all of it is accessible there.
     [[nodiscard]] bool read(QRX_U64 address, std::span<QRX_U8> bytes) const;
     [[nodiscard]] bool write(QRX_U64 address, std::span<const QRX_U8> bytes) const;
     // Two pieces with one call.
     [[nodiscard]] bool write(QRX_U64 address1, std::span<const QRX_U8> bytes1, QRX_U64 address2,
                              std::span<const QRX_U8> bytes2) const;
+    // Reads two pieces with one call. How many bytes of both together, in order, were accessible.
+    [[nodiscard]] std::size_t read(QRX_U64 address1, std::span<QRX_U8> bytes1, QRX_U64 address2,
+                                   std::span<QRX_U8> bytes2) const;
     // A zero-terminated text of less than PATH_MAX bytes.
     [[nodiscard]] std::optional<std::string> read_path(QRX_U64 address) const;
 

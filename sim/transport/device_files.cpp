@@ -11,16 +11,25 @@
 
 namespace qrx::sim {
 
+std::optional<FileIdentity> identity_of(int fd)
+{
+    struct stat status {};
+    if (fstat(fd, &status) != 0) {
+        return std::nullopt;
+    }
+    return FileIdentity{status.st_dev, status.st_ino};
+}
+
 UniqueFd DeviceFiles::open(const Node& node, int flags)
 {
     auto found = files_.find(node);
     if (found == files_.end()) {
         File file{UniqueFd(memfd_create(device_path(node).c_str(), MFD_CLOEXEC)), {}};
-        struct stat status {};
-        if (!file.fd || fstat(file.fd.get(), &status) != 0) {
+        const std::optional<FileIdentity> identity = file.fd ? identity_of(file.fd.get()) : std::nullopt;
+        if (!identity) {
             return {};
         }
-        file.identity = {status.st_dev, status.st_ino};
+        file.identity = *identity;
         nodes_.emplace(file.identity, node);
         found = files_.emplace(node, std::move(file)).first;
     }

@@ -22,6 +22,9 @@ struct FileIdentity {
     friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
 };
 
+// Of one of our own descriptors.
+[[nodiscard]] std::optional<FileIdentity> identity_of(int fd);
+
 class DeviceFiles {
 public:
     // A new descriptor of the node's file with the access mode and status flags of `flags`, or an empty one with errno

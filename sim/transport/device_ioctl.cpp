@@ -19,7 +19,6 @@ constexpr std::size_t kMostData = 16U << 20;
 // The argument of the 64-bit pass-through requests: as nvme_admin_cmd up to timeout_ms, then a wide result.
 constexpr std::size_t kResultOffset = offsetof(nvme_admin_cmd, result);
 constexpr std::size_t kResult64Offset = 72;
-constexpr std::size_t kCommand64Size = 80;
 
 // The argument of SUBMIT_IO on a block device.
 struct UserIo {
@@ -69,20 +68,18 @@ std::optional<NamespaceNode> find_namespace(const Host& host, const Node& node)
 
 class Request {
 public:
-    Request(Host& host, const Node& node, const Caller& caller, std::vector<QRX_U8>& scratch)
-        : host_(host), node_(node), caller_(caller), data_(scratch)
+    Request(Host& host, const Node& node, const Caller& caller, TransferBuffer& buffer)
+        : host_(host), node_(node), caller_(caller), buffer_(buffer)
     {
     }
 
     // A pass-through command of `size` bytes, whose result goes to `result_offset` of it.
     IoctlResult pass_through(QRX_U64 argument, bool admin, bool wide)
     {
-        std::array<QRX_U8, kCommand64Size> raw{};
-        if (!caller_.read(argument, std::span(raw).first(wide ? kCommand64Size : sizeof(nvme_admin_cmd)))) {
+        nvme_admin_cmd command{};
+        if (!fetch(argument, command)) {
             return {0, EFAULT};
         }
-        nvme_admin_cmd command{};
-        std::memcpy(&command, raw.data(), sizeof command);
         command.result = 0;
         if (wide) {
             return run(command, admin, argument + kResult64Offset, sizeof(QRX_U64));
@@ -123,28 +120,47 @@ public:
     }
 
 private:
+    // Reads the record at `argument` and, on the chance, the data of the last command.
+    bool fetch(QRX_U64 argument, nvme_admin_cmd& command)
+    {
+        std::vector<QRX_U8>& data = buffer_.data;
+        if (data.empty() || buffer_.pid != caller_.pid() || buffer_.argument != argument) {
+            buffer_.pid = caller_.pid();
+            buffer_.argument = argument;
+            return caller_.read(argument, bytes_of(command));
+        }
+        const std::size_t got = caller_.read(argument, bytes_of(command), buffer_.address, data);
+        have_data_ =
+            got == sizeof command + data.size() && command.addr == buffer_.address && command.data_len == data.size();
+        return got >= sizeof command;
+    }
+
     // Carries the command out and puts its result, of `result_size` bytes, to `result_address`.
     IoctlResult run(const nvme_admin_cmd& command, bool admin, QRX_U64 result_address, std::size_t result_size)
     {
         if (command.data_len > kMostData) {
             return {0, EINVAL};
         }
-        data_.resize(command.data_len);
-        if (!data_.empty() && !caller_.read(command.addr, data_)) {
-            return {0, EFAULT};
+        std::vector<QRX_U8>& data = buffer_.data;
+        if (!have_data_) {
+            data.resize(command.data_len);
+            buffer_.address = command.addr;
+            if (!data.empty() && !caller_.read(command.addr, data)) {
+                return {0, EFAULT};
+            }
         }
-        const Completion done = admin ? host_.admin(node_, command, data_) : host_.io(node_, command, data_);
+        const Completion done = admin ? host_.admin(node_, command, data) : host_.io(node_, command, data);
         if (done.error != 0) {
             return {0, done.error};
         }
         QRX_U64 result = done.result;
         const std::span<const QRX_U8> result_bytes = bytes_of(result).first(result_size);
-        const bool returns = !data_.empty() && returns_data(command.opcode);
+        const bool returns = !data.empty() && returns_data(command.opcode);
         bool written = true;
         if (returns && result_size != 0) {
-            written = caller_.write(command.addr, data_, result_address, result_bytes);
+            written = caller_.write(command.addr, data, result_address, result_bytes);
         } else if (returns) {
-            written = caller_.write(command.addr, data_);
+            written = caller_.write(command.addr, data);
         } else if (result_size != 0) {
             written = caller_.write(result_address, result_bytes);
         }
@@ -154,7 +170,8 @@ private:
     Host& host_;
     const Node& node_;
     const Caller& caller_;
-    std::vector<QRX_U8>& data_;
+    TransferBuffer& buffer_;
+    bool have_data_ = false;  // the data of the command are in the buffer
 };
 
 IoctlResult block_ioctl(const Host& host, Request& call, const Node& node, unsigned long request, QRX_U64 argument)
@@ -184,9 +201,9 @@ IoctlResult block_ioctl(const Host& host, Request& call, const Node& node, unsig
 }  // namespace
 
 IoctlResult device_ioctl(Host& host, const Node& node, const Caller& caller, unsigned long request, QRX_U64 argument,
-                         std::vector<QRX_U8>& scratch)
+                         TransferBuffer& buffer)
 {
-    Request call(host, node, caller, scratch);
+    Request call(host, node, caller, buffer);
     const bool block = node.nsid != 0;
     switch (request) {
     case NVME_IOCTL_ID:

@@ -23,8 +23,16 @@ struct IoctlResult {
     int error = 0;
 };
 
-// `scratch` lends its memory for the data of the command.
+// Memory for the data of one command, kept from one to the next, and where the last one lay: programs tend to use the
+// same places again, so the next command's data are fetched together with its record on the chance.
+struct TransferBuffer {
+    std::vector<QRX_U8> data;
+    pid_t pid = 0;
+    QRX_U64 argument = 0;
+    QRX_U64 address = 0;
+};
+
 [[nodiscard]] IoctlResult device_ioctl(Host& host, const Node& node, const Caller& caller, unsigned long request,
-                                       QRX_U64 argument, std::vector<QRX_U8>& scratch);
+                                       QRX_U64 argument, TransferBuffer& buffer);
 
 }  // namespace qrx::sim
