@@ -1,5 +1,6 @@
 #include "sim/transport/preload_channel.h"
 
+#include <sched.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -20,6 +21,7 @@ namespace qrx::sim {
 namespace {
 
 constexpr int kBacklog = 128;
+constexpr unsigned kMostAtOnce = 64;
 
 [[noreturn]] void fail(const char* what)
 {
@@ -56,8 +58,39 @@ PreloadChannel::PreloadChannel(CallServer& server)
     }
 }
 
+bool PreloadChannel::serve_latest()
+{
+    const auto likely = connections_.find(latest_);
+    if (likely == connections_.end()) {
+        return false;
+    }
+    bool any = false;
+    long sleep_at = spin_clock() + kSpinNanoseconds;
+    for (unsigned count = 0; count < kMostAtOnce;) {
+        switch (serve_one(likely->second, MSG_DONTWAIT)) {
+        case Outcome::served:
+            any = true;
+            ++count;
+            sleep_at = spin_clock() + kSpinNanoseconds;
+            break;
+        case Outcome::nothing:
+            if (!any || !apart_ || spin_clock() > sleep_at) {
+                return any;
+            }
+            break;
+        case Outcome::ended:
+            connections_.erase(likely);
+            return true;
+        }
+    }
+    return false;  // the others' turn
+}
+
 void PreloadChannel::serve()
 {
+    if (serve_latest()) {
+        return;
+    }
     std::array<epoll_event, 8> events{};
     const int count = epoll_wait(epoll_.get(), events.data(), static_cast<int>(events.size()), 0);
     for (int index = 0; index < count; ++index) {
@@ -67,7 +100,7 @@ void PreloadChannel::serve()
             continue;
         }
         const auto found = connections_.find(fd);
-        if (found != connections_.end() && !serve_one(found->second)) {
+        if (found != connections_.end() && serve_one(found->second, MSG_DONTWAIT) == Outcome::ended) {
             connections_.erase(found);
         }
     }
@@ -86,14 +119,17 @@ void PreloadChannel::accept_one()
     connections_[fd] = {std::move(socket), peer.pid};
 }
 
-bool PreloadChannel::serve_one(const Connection& connection)
+PreloadChannel::Outcome PreloadChannel::serve_one(const Connection& connection, int flags)
 {
     std::array<QRX_U8, sizeof(PreloadRequest)> bytes{};
-    const ssize_t got = recv(connection.socket.get(), bytes.data(), bytes.size(), 0);
+    const ssize_t got = recv(connection.socket.get(), bytes.data(), bytes.size(), flags);
     if (got != static_cast<ssize_t>(bytes.size())) {
-        return got < 0 && errno == EINTR;
+        return got < 0 && (errno == EINTR || errno == EAGAIN) ? Outcome::nothing : Outcome::ended;
     }
+    latest_ = connection.socket.get();
     const PreloadRequest request = *wire::read<PreloadRequest>(bytes);
+    const int cpu = sched_getcpu();
+    apart_ = static_cast<int>(request.cpu) != cpu;
     Call call;
     call.kind = static_cast<CallKind>(request.kind);
     call.pid = connection.pid;
@@ -102,6 +138,7 @@ bool PreloadChannel::serve_one(const Connection& connection)
 
     PreloadReply answer;
     answer.value = reply.value;
+    answer.cpu = static_cast<QRX_U16>(cpu);
     switch (reply.kind) {
     case Reply::Kind::pass_on:
         answer.kind = PreloadReply::kPassOn;
@@ -119,9 +156,10 @@ bool PreloadChannel::serve_one(const Connection& connection)
     }
     const std::span<const QRX_U8> out(reinterpret_cast<const QRX_U8*>(&answer), sizeof answer);
     if (reply.kind == Reply::Kind::descriptor) {
-        return send_with_descriptor(connection.socket.get(), out, reply.file.get());
+        return send_with_descriptor(connection.socket.get(), out, reply.file.get()) ? Outcome::served : Outcome::ended;
     }
-    return send(connection.socket.get(), out.data(), out.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(out.size());
+    const ssize_t sent = send(connection.socket.get(), out.data(), out.size(), MSG_NOSIGNAL);
+    return sent == static_cast<ssize_t>(out.size()) ? Outcome::served : Outcome::ended;
 }
 
 }  // namespace qrx::sim

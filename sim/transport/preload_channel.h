@@ -29,14 +29,18 @@ private:
     };
 
     void accept_one();
-    // False when the connection has ended.
-    [[nodiscard]] bool serve_one(const Connection& connection);
+    enum class Outcome { served, nothing, ended };
+    [[nodiscard]] Outcome serve_one(const Connection& connection, int flags);
+    // Serves the connection that called last for as long as it goes on calling. False when it has nothing to say.
+    bool serve_latest();
 
     CallServer& server_;
     std::string path_;
     UniqueFd epoll_;
     UniqueFd listener_;
     std::map<int, Connection> connections_;
+    int latest_ = -1;     // the connection that was served last is the likeliest to call next
+    bool apart_ = false;  // its process runs on another processor than we
 };
 
 }  // namespace qrx::sim

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <pthread.h>
+#include <sched.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -25,6 +26,7 @@ int connection = -1;
 // Which socket the connection was: a program may close any descriptor and open something else under its number.
 QRX_U64 connection_inode = 0;
 bool fork_watched = false;
+bool launcher_runs_apart = false;  // on another processor, as of its last answer
 
 // The kernel's own status, past every interposed function. 0 when there is none.
 QRX_U64 inode_of(int fd)
@@ -101,6 +103,22 @@ bool send_request(const PreloadRequest& request)
     return sent == static_cast<ssize_t>(sizeof request);
 }
 
+bool receive_plain(PreloadReply& reply)
+{
+    ssize_t got = -1;
+    errno = EAGAIN;
+    if (launcher_runs_apart) {
+        const long sleep_at = spin_clock() + kSpinNanoseconds;
+        do {
+            got = recv(connection, &reply, sizeof reply, MSG_DONTWAIT);
+        } while (got < 0 && errno == EAGAIN && spin_clock() < sleep_at);
+    }
+    while (got < 0 && (errno == EINTR || errno == EAGAIN)) {
+        got = recv(connection, &reply, sizeof reply, 0);
+    }
+    return got == static_cast<ssize_t>(sizeof reply);
+}
+
 // Takes the reply and, into `fd`, the descriptor that comes with it.
 bool receive_reply(PreloadReply& reply, int& fd)
 {
@@ -155,12 +173,16 @@ ClientReply ask(CallKind kind, QRX_U64 a0, QRX_U64 a1, QRX_U64 a2, QRX_U64 a3, Q
     const int old_errno = errno;
     PreloadRequest request;
     request.kind = static_cast<QRX_U32>(kind);
+    const int cpu = sched_getcpu();
+    request.cpu = cpu < 0 ? 0 : static_cast<QRX_U32>(cpu);
     const QRX_U64 arguments[] = {a0, a1, a2, a3, a4};
     memcpy(request.arguments, arguments, sizeof arguments);
     PreloadReply reply;
     int fd = -1;
     pthread_mutex_lock(&mutex);
-    const bool answered = connected() && send_request(request) && receive_reply(reply, fd);
+    const bool answered = connected() && send_request(request) &&
+                          (kind == CallKind::open ? receive_reply(reply, fd) : receive_plain(reply));
+    launcher_runs_apart = answered && reply.cpu != request.cpu;
     pthread_mutex_unlock(&mutex);
     if (!answered) {
         errno = old_errno;
