@@ -1,10 +1,10 @@
 #include "sim/transport/machine_view.h"
 
 #include <array>
+#include <cstdio>
 #include <string_view>
 #include <utility>
 
-#include "sim/transport/pci_address.h"
 #include "sim/transport/smbios.h"
 
 namespace qrx::sim {

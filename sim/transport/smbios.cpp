@@ -6,7 +6,7 @@
 #include <numeric>
 #include <string_view>
 
-#include "sim/transport/pci_address.h"
+#include "sim/firmware/pci_address.h"
 
 namespace qrx::sim {
 namespace {
@@ -81,20 +81,20 @@ std::string make_system()
 
 std::string make_slot(const ControllerNode& controller, unsigned index)
 {
-    const PciAddress address = parse_pci_address(controller.address);
+    const PciAddress address = PciAddress::parse(controller.address).value_or(PciAddress{});
     const std::string designation = "PCIe Slot " + std::to_string(controller.slot_id);
     return Structure(kSystemSlot, static_cast<QRX_U16>(0x0900 + index))
-        .byte(1)                                       // designation, string 1
-        .byte(0xb6)                                    // PCI Express Gen 3
-        .byte(10)                                      // x8
-        .byte(4)                                       // in use
-        .byte(4)                                       // long
-        .word(controller.slot_id)                      //
-        .byte(0x0c)                                    // characteristics 1: 3.3 V, shared opening
-        .byte(0x01)                                    // characteristics 2: PME
-        .word(address.segment)                         //
-        .byte(address.bus)                             //
-        .byte(address.device << 3 | address.function)  //
+        .byte(1)                   // designation, string 1
+        .byte(0xb6)                // PCI Express Gen 3
+        .byte(10)                  // x8
+        .byte(4)                   // in use
+        .byte(4)                   // long
+        .word(controller.slot_id)  //
+        .byte(0x0c)                // characteristics 1: 3.3 V, shared opening
+        .byte(0x01)                // characteristics 2: PME
+        .word(address.domain)      //
+        .byte(address.bus)         //
+        .byte(static_cast<unsigned>(address.device << 3 | address.function))  //
         .finish({designation});
 }
 

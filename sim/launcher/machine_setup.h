@@ -1,0 +1,32 @@
+// The machine that the options ask for, with what stands in front of it: mount table, faults, trace.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "sim/firmware/host.h"
+#include "sim/firmware/machine.h"
+#include "sim/launcher/options.h"
+
+namespace qrx::sim {
+
+class MachineSetup {
+public:
+    // Throws std::runtime_error with a text that says what is wrong and what is allowed.
+    explicit MachineSetup(const Options& options);
+    MachineSetup(const MachineSetup&) = delete;
+    MachineSetup& operator=(const MachineSetup&) = delete;
+    ~MachineSetup();
+
+    [[nodiscard]] Host& host();
+    // Writes the state file, if there is to be one. Throws as well.
+    void save() const;
+
+private:
+    struct Layers;
+
+    std::string state_file_;
+    std::unique_ptr<Layers> layers_;
+};
+
+}  // namespace qrx::sim

@@ -1,0 +1,59 @@
+// qrx_sim: runs a program on a machine with a simulated controller.
+#include <cstdio>
+#include <exception>
+#include <iomanip>
+#include <iostream>
+#include <span>
+
+#include "sim/firmware/factory.h"
+#include "sim/launcher/machine_setup.h"
+#include "sim/launcher/options.h"
+#include "sim/launcher/program.h"
+
+namespace {
+
+using namespace qrx::sim;
+
+void list_scenarios()
+{
+    for (const Scenario& scenario : scenarios()) {
+        std::cout << std::left << std::setw(12) << scenario.name << scenario.description << '\n';
+    }
+}
+
+int run(const Options& options)
+{
+    MachineSetup setup(options);
+    const int value = run_program(setup.host(), options.program);
+    setup.save();
+    return value;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+try {
+    const std::span<const char* const> words(argv, static_cast<std::size_t>(argc));
+    const Result<Options> options = parse_options(words.empty() ? words : words.subspan(1));
+    if (!options) {
+        std::cerr << "qrx_sim: " << options.error() << '\n';
+        return kExitOwnFailure;
+    }
+    switch (options->action) {
+    case Options::Action::help:
+        std::cout << usage();
+        break;
+    case Options::Action::list_scenarios:
+        list_scenarios();
+        break;
+    case Options::Action::version:
+        std::cout << "qrx_sim " QRX_VERSION "\n";
+        break;
+    case Options::Action::run:
+        return run(*options);
+    }
+    return std::cout.flush() ? 0 : kExitOwnFailure;
+} catch (const std::exception& failure) {
+    (void)std::fprintf(stderr, "qrx_sim: %s\n", failure.what());
+    return kExitOwnFailure;
+}

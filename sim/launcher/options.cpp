@@ -1,0 +1,165 @@
+#include "sim/launcher/options.h"
+
+#include <array>
+#include <optional>
+#include <utility>
+
+namespace qrx::sim {
+namespace {
+
+using Store = std::optional<Failure> (*)(Options&, std::string_view value);
+
+struct Row {
+    std::string_view name;
+    std::string_view value;  // what it takes, or empty for an option without value
+    Store store;
+};
+
+std::optional<Failure> store_transport(Options& options, std::string_view value)
+{
+    constexpr std::array<std::pair<std::string_view, Transport>, 3> kTransports = {
+        {{"auto", Transport::automatic}, {"seccomp", Transport::seccomp}, {"preload", Transport::preload}}};
+    for (const auto& [name, transport] : kTransports) {
+        if (name == value) {
+            options.program.transport = transport;
+            return std::nullopt;
+        }
+    }
+    return Failure{"--transport: '" + std::string(value) + "' is none of auto, seccomp, preload"};
+}
+
+std::optional<Failure> store_fault(Options& options, std::string_view value)
+{
+    Result<Fault> fault = parse_fault(value);
+    if (!fault) {
+        return Failure{"--fault: " + fault.error()};
+    }
+    options.faults.push_back(*fault);
+    return std::nullopt;
+}
+
+template <std::string Options::*Member>
+std::optional<Failure> store_text(Options& options, std::string_view value)
+{
+    if (value.empty()) {
+        return Failure{"a file or name must not be empty"};
+    }
+    options.*Member = value;
+    return std::nullopt;
+}
+
+template <Options::Action Action>
+std::optional<Failure> store_action(Options& options, std::string_view)
+{
+    options.action = Action;
+    return std::nullopt;
+}
+
+constexpr std::array<Row, 10> kRows = {{
+    {"--scenario", "<name|file>", store_text<&Options::scenario>},
+    {"--state", "<file>", store_text<&Options::state_file>},
+    {"--trace", "<file>", store_text<&Options::trace_file>},
+    {"--mtab", "<file>", store_text<&Options::mount_table>},
+    {"--fault", "<what>", store_fault},
+    {"--transport", "<auto|seccomp|preload>", store_transport},
+    {"--verbose", "",
+     [](Options& options, std::string_view) {
+         options.program.verbose = true;
+         return std::optional<Failure>();
+     }},
+    {"--help", "", store_action<Options::Action::help>},
+    {"--list-scenarios", "", store_action<Options::Action::list_scenarios>},
+    {"--version", "", store_action<Options::Action::version>},
+}};
+
+std::string known_options()
+{
+    std::string text;
+    for (const Row& row : kRows) {
+        text += (text.empty() ? "" : ", ") + std::string(row.name);
+    }
+    return text;
+}
+
+const Row* find_row(std::string_view name)
+{
+    for (const Row& row : kRows) {
+        if (row.name == name) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+Result<Options> parse_options(std::span<const char* const> words)
+{
+    Options options;
+    std::size_t at = 0;
+    for (; at < words.size() && words[at][0] == '-'; ++at) {
+        const std::string_view word = words[at];
+        if (word == "--") {
+            ++at;
+            break;
+        }
+        const std::size_t equals = word.find('=');
+        const std::string name(word.substr(0, equals));
+        const Row* const row = find_row(name);
+        if (row == nullptr) {
+            return Failure{"unknown option '" + name + "'; known are " + known_options()};
+        }
+        std::string_view value;
+        if (row->value.empty()) {
+            if (equals != std::string_view::npos) {
+                return Failure{name + " takes no value"};
+            }
+        } else if (equals != std::string_view::npos) {
+            value = word.substr(equals + 1);
+        } else if (at + 1 < words.size()) {
+            value = words[++at];
+        } else {
+            return Failure{name + " needs a value: " + name + " " + std::string(row->value)};
+        }
+        if (std::optional<Failure> failure = row->store(options, value)) {
+            return *std::move(failure);
+        }
+    }
+    for (const char* const word : words.subspan(at)) {
+        options.program.command.emplace_back(word);
+    }
+    if (options.action == Options::Action::run && options.program.command.empty()) {
+        return Failure{
+            "no program given; 'qrx_sim -- bash' starts a shell on the simulated machine, --help tells more"};
+    }
+    return options;
+}
+
+std::string_view usage()
+{
+    return R"(Usage: qrx_sim [options] -- <program> [arguments]
+
+Runs a program on a machine with a simulated RAID controller. The program, and every program that it starts, finds
+the controller at /dev/nvme0, under /sys and in the SMBIOS tables; everything else is the real machine's.
+
+  --scenario <name|file>   the machine to simulate: a name of --list-scenarios, or a file (default: raid)
+  --state <file>           keep the machine's state there from run to run; a missing file starts with the scenario
+  --trace <file>           write each command down, decoded, one line each
+  --fault <what>           make commands fail, such as nth=3,status=0x706; may be given more than once
+  --mtab <file>            the mount table that programs find at /etc/mtab
+  --transport <way>        how programs reach the machine: seccomp, preload, or auto (default: the first that works)
+  --verbose                say which way is taken
+  --list-scenarios         list the machines that can be simulated
+  --version                print the version
+  --help                   print this page
+
+  qrx_sim -- qrx_cli info -o hba                   one command
+  qrx_sim --scenario jbof -- bash                  a shell on the simulated machine
+  qrx_sim --state lab.json -- qrx_cli              the tool's own shell, with a machine that remembers
+
+Exit value: the program's own; 128 + signal when it was killed; 127 when it was not found, 126 when it could not be
+run, 125 for a failure of qrx_sim itself.
+)";
+}
+
+}  // namespace qrx::sim
