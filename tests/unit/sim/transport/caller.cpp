@@ -25,9 +25,15 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-int open_node(const char* path = "/dev/nvme0") { return open(path, O_RDWR | O_CLOEXEC); }
+int open_node(const char* path = "/dev/nvme0")
+{
+    return open(path, O_RDWR | O_CLOEXEC);
+}
 
-QRX_U64 address_of(const void* place) { return reinterpret_cast<std::uintptr_t>(place); }
+QRX_U64 address_of(const void* place)
+{
+    return reinterpret_cast<std::uintptr_t>(place);
+}
 
 nvme_admin_cmd command_with(Bytes& data)
 {
@@ -133,8 +139,8 @@ int bad_data()
 int half_bad_data()
 {
     constexpr std::size_t kPage = 4096;
-    auto* const pages =
-        static_cast<unsigned char*>(mmap(nullptr, 2 * kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    auto* const pages = static_cast<unsigned char*>(
+        mmap(nullptr, 2 * kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     munmap(pages + kPage, kPage);
     Bytes none;
     nvme_admin_cmd command = command_with(none);
@@ -349,14 +355,28 @@ struct Action {
 };
 
 constexpr Action kActions[] = {
-    {"command", command},         {"write", write_command},       {"wide", wide_command},
-    {"status", status},           {"error", driver_error},        {"bad-record", bad_record},
-    {"bad-data", bad_data},       {"half-bad-data", half_bad_data}, {"read-only-data", read_only_data},
-    {"no-data", no_data},         {"huge-data", huge_data},       {"moving-data", moving_data},
-    {"dup", duplicate},           {"fork", after_fork},           {"reused-number", reused_number},
-    {"no-descriptor", no_descriptor}, {"namespace", space},       {"submit", submit},
-    {"threads", threads},         {"endless", endless},
-    {"remove", [] { return change(1); }}, {"add", [] { return change(2); }},
+    {"command", command},
+    {"write", write_command},
+    {"wide", wide_command},
+    {"status", status},
+    {"error", driver_error},
+    {"bad-record", bad_record},
+    {"bad-data", bad_data},
+    {"half-bad-data", half_bad_data},
+    {"read-only-data", read_only_data},
+    {"no-data", no_data},
+    {"huge-data", huge_data},
+    {"moving-data", moving_data},
+    {"dup", duplicate},
+    {"fork", after_fork},
+    {"reused-number", reused_number},
+    {"no-descriptor", no_descriptor},
+    {"namespace", space},
+    {"submit", submit},
+    {"threads", threads},
+    {"endless", endless},
+    {"remove", [] { return change(1); }},
+    {"add", [] { return change(2); }},
 };
 
 }  // namespace

@@ -18,7 +18,10 @@ std::string content(const Overlay& overlay, const std::string& path)
     return entry == nullptr ? "(none)" : entry->content;
 }
 
-unsigned byte_at(const std::string& text, std::size_t offset) { return static_cast<unsigned char>(text.at(offset)); }
+unsigned byte_at(const std::string& text, std::size_t offset)
+{
+    return static_cast<unsigned char>(text.at(offset));
+}
 
 TEST(MachineView, ControllerHasTheAttributesOfTheDriver)
 {
@@ -26,11 +29,21 @@ TEST(MachineView, ControllerHasTheAttributesOfTheDriver)
     const Overlay overlay = make_overlay(view_of(host));
     const std::string directory = "/sys/devices/pci0000:03/0000:03:00.0/nvme/nvme0/";
     const std::pair<const char*, const char*> expected[] = {
-        {"address", "0000:03:00.0\n"}, {"model", "STUB MODEL\n"},  {"serial", "STUBSERIAL01\n"},
-        {"firmware_rev", "1.2.3\n"},   {"cntlid", "5\n"},          {"subsysnqn", "nqn.2024-01.test:stub\n"},
-        {"transport", "pcie\n"},       {"state", "live\n"},        {"dev", "240:0\n"},
-        {"numa_node", "-1\n"},         {"queue_count", "3\n"},     {"nvme0n1/size", "2048\n"},
-        {"nvme0n1/nsid", "1\n"},       {"nvme0n1/dev", "259:0\n"}, {"nvme0n1/queue/logical_block_size", "512\n"},
+        {"address", "0000:03:00.0\n"},
+        {"model", "STUB MODEL\n"},
+        {"serial", "STUBSERIAL01\n"},
+        {"firmware_rev", "1.2.3\n"},
+        {"cntlid", "5\n"},
+        {"subsysnqn", "nqn.2024-01.test:stub\n"},
+        {"transport", "pcie\n"},
+        {"state", "live\n"},
+        {"dev", "240:0\n"},
+        {"numa_node", "-1\n"},
+        {"queue_count", "3\n"},
+        {"nvme0n1/size", "2048\n"},
+        {"nvme0n1/nsid", "1\n"},
+        {"nvme0n1/dev", "259:0\n"},
+        {"nvme0n1/queue/logical_block_size", "512\n"},
         {"nvme0n1/nguid", "00112233-4455-6677-8899-aabbccddeeff\n"},
         {"nvme0n1/wwid", "uuid.00112233-4455-6677-8899-aabbccddeeff\n"},
     };
@@ -107,13 +120,13 @@ TEST(Smbios, TableHoldsASlotForEachControllerAndItsEnd)
 
 TEST(Overlay, RealNvmeDevicesAreToldFromTheirNames)
 {
-    for (const char* const path : {"/dev/nvme0", "/dev/nvme0n1p2", "/dev/nvme-fabrics", "/dev/ng0n1",
-                                   "/sys/class/nvme/nvme0", "/sys/block/nvme0n1",
-                                   "/sys/devices/pci0000:00/0000:01:00.0/nvme/nvme0/model"}) {
+    for (const char* const path :
+         {"/dev/nvme0", "/dev/nvme0n1p2", "/dev/nvme-fabrics", "/dev/ng0n1", "/sys/class/nvme/nvme0",
+          "/sys/block/nvme0n1", "/sys/devices/pci0000:00/0000:01:00.0/nvme/nvme0/model"}) {
         EXPECT_TRUE(is_real_nvme(path)) << path;
     }
-    for (const char* const path : {"/dev/null", "/dev/ng", "/home/nvme0", "/sys/module/nvme", "/sys/bus/pci/drivers/nvme",
-                                   "/dev/mapper/x", "/sys/devices/system/cpu"}) {
+    for (const char* const path : {"/dev/null", "/dev/ng", "/home/nvme0", "/sys/module/nvme",
+                                   "/sys/bus/pci/drivers/nvme", "/dev/mapper/x", "/sys/devices/system/cpu"}) {
         EXPECT_FALSE(is_real_nvme(path)) << path;
     }
 }
