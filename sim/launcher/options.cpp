@@ -41,9 +41,6 @@ std::optional<Failure> store_fault(Options& options, std::string_view value)
 template <std::string Options::*Member>
 std::optional<Failure> store_text(Options& options, std::string_view value)
 {
-    if (value.empty()) {
-        return Failure{"a file or name must not be empty"};
-    }
     options.*Member = value;
     return std::nullopt;
 }
@@ -118,7 +115,8 @@ Result<Options> parse_options(std::span<const char* const> words)
             value = word.substr(equals + 1);
         } else if (at + 1 < words.size()) {
             value = words[++at];
-        } else {
+        }
+        if (value.empty() && !row->value.empty()) {
             return Failure{name + " needs a value: " + name + " " + std::string(row->value)};
         }
         if (std::optional<Failure> failure = row->store(options, value)) {
