@@ -431,6 +431,7 @@ template <class Io>
 void describe_extent(Io& io, Namespace& ns)
 {
     io.number("sectors", ns.sectors, 1, kAny64);
+    io.check(ns.sectors > 0, "sectors", "is left out, and its parent has none; allowed are numbers from 1");
     io.number("sector_size", ns.sector_size, 512, 4096);
     io.check(ns.sector_size == 512 || ns.sector_size == 4096, "sector_size",
              "is " + std::to_string(ns.sector_size) + "; allowed are 512 and 4096");

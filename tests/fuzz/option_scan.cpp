@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (answer == -1) {
             break;
         }
-        assert(answer == '?' || answer == ':' || answer == 1 || std::strchr("olvh", answer) != nullptr);
+        assert(answer == '?' || answer == ':' || answer == 1 || std::strchr(letters, answer) != nullptr);
         assert(optarg == nullptr || std::strlen(optarg) <= size);
     }
     argv.pop_back();
