@@ -113,6 +113,8 @@ def play(text, runner):
             runner.environment["TRANSCRIPT_OPTIONS"] = line[len(OPTIONS_MARK):].strip()
         elif line.startswith(VARIES_MARK):
             runner.varies.append(line[len(VARIES_MARK):])
+        elif line and not line.startswith("#"):
+            raise ValueError(f"line {at} is neither a command, nor under one, nor a comment: {line}")
     return "\n".join(out) + "\n"
 
 
@@ -133,7 +135,12 @@ def main():
             failed = True
             continue
         with tempfile.TemporaryDirectory(prefix="transcript-") as directory:
-            actual = play(expected, Runner(arguments.bin.resolve(), arguments.sim, arguments.timeout, directory))
+            try:
+                actual = play(expected, Runner(arguments.bin.resolve(), arguments.sim, arguments.timeout, directory))
+            except ValueError as error:
+                print(f"{path}: {error}")
+                failed = True
+                continue
         if actual == expected:
             continue
         if arguments.update:
