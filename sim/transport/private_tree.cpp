@@ -17,13 +17,24 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Where the private directory goes: the place that TMPDIR names, else memory, since hundreds of small files come and go
+// with every run, else /tmp.
+fs::path base_directory()
+{
+    constexpr const char* kMemory = "/dev/shm";
+    if (std::getenv("TMPDIR") == nullptr && access(kMemory, W_OK | X_OK) == 0) {
+        return kMemory;
+    }
+    std::error_code ignored;
+    const fs::path base = fs::canonical(fs::temp_directory_path(ignored), ignored);
+    return base.empty() ? fs::path("/tmp") : base;
+}
+
 }  // namespace
 
 PrivateTree::PrivateTree()
 {
-    std::error_code ignored;
-    const fs::path base = fs::canonical(fs::temp_directory_path(ignored), ignored);
-    directory_ = (base.empty() ? fs::path("/tmp") : base) / "qrx_sim.XXXXXX";
+    directory_ = base_directory() / "qrx_sim.XXXXXX";
     if (mkdtemp(directory_.data()) == nullptr) {
         throw std::system_error(errno, std::generic_category(), "cannot make a private directory '" + directory_ + "'");
     }

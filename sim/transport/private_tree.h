@@ -15,7 +15,7 @@ namespace qrx::sim {
 
 class PrivateTree {
 public:
-    // Makes a directory of its own under $TMPDIR or /tmp. Throws std::system_error.
+    // Makes a directory of its own under $TMPDIR, /dev/shm or /tmp. Throws std::system_error.
     PrivateTree();
     PrivateTree(const PrivateTree&) = delete;
     PrivateTree& operator=(const PrivateTree&) = delete;
