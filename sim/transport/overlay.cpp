@@ -18,6 +18,9 @@ bool is_real_nvme(std::string_view path)
 {
     constexpr std::array<std::string_view, 6> kPlaces = {"/dev/",       "/sys/devices/", "/sys/class/",
                                                          "/sys/block/", "/sys/dev/",     "/sys/bus/pci/devices/"};
+    if (path.starts_with("/dev/shm/")) {  // files in memory, whatever their names
+        return false;
+    }
     for (const std::string_view place : kPlaces) {
         if (!path.starts_with(place)) {
             continue;

@@ -125,8 +125,9 @@ TEST(Overlay, RealNvmeDevicesAreToldFromTheirNames)
           "/sys/block/nvme0n1", "/sys/devices/pci0000:00/0000:01:00.0/nvme/nvme0/model"}) {
         EXPECT_TRUE(is_real_nvme(path)) << path;
     }
-    for (const char* const path : {"/dev/null", "/dev/ng", "/home/nvme0", "/sys/module/nvme",
-                                   "/sys/bus/pci/drivers/nvme", "/dev/mapper/x", "/sys/devices/system/cpu"}) {
+    for (const char* const path :
+         {"/dev/shm/nvme-notes/nvme0", "/dev/null", "/dev/ng", "/home/nvme0", "/sys/module/nvme",
+          "/sys/bus/pci/drivers/nvme", "/dev/mapper/x", "/sys/devices/system/cpu"}) {
         EXPECT_FALSE(is_real_nvme(path)) << path;
     }
 }
