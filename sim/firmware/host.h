@@ -19,6 +19,7 @@ struct Node {
     QRX_U32 nsid = 0;  // 0: the controller's character device
 
     friend bool operator==(const Node&, const Node&) = default;
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the generated comparison with 0 for a pointer's
     friend auto operator<=>(const Node&, const Node&) = default;
 };
 

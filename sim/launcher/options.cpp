@@ -117,7 +117,9 @@ Result<Options> parse_options(std::span<const char* const> words)
             value = words[++at];
         }
         if (value.empty() && !row->value.empty()) {
-            return Failure{name + " needs a value: " + name + " " + std::string(row->value)};
+            std::string text = name;
+            text.append(" needs a value: ").append(name).append(" ").append(row->value);
+            return Failure{std::move(text)};
         }
         if (std::optional<Failure> failure = row->store(options, value)) {
             return *std::move(failure);

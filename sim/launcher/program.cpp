@@ -214,6 +214,7 @@ int start_and_serve(Host& host, const ProgramOptions& options)
     }
     std::vector<std::string> command = options.command;
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& word : command) {
         arguments.push_back(word.data());
     }

@@ -19,7 +19,11 @@ struct FileIdentity {
     dev_t device = 0;
     ino_t inode = 0;
 
-    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+    friend bool operator<(const FileIdentity& a, const FileIdentity& b)
+    {
+        return a.device != b.device ? a.device < b.device : a.inode < b.inode;
+    }
 };
 
 // Of one of our own descriptors.

@@ -51,11 +51,11 @@ PrivateTree::~PrivateTree()
 void PrivateTree::update(Overlay overlay)
 {
     const Overlay::Entries& before = overlay_.entries();
-    // What is gone, or changes its kind, the deepest first.
-    for (auto old = before.rbegin(); old != before.rend(); ++old) {
-        const OverlayEntry* now = overlay.find(old->first);
-        if (now == nullptr || now->kind != old->second.kind) {
-            fs::remove_all(place_of(old->first));
+    // What is gone, or changes its kind.
+    for (const auto& [path, entry] : before) {
+        const OverlayEntry* now = overlay.find(path);
+        if (now == nullptr || now->kind != entry.kind) {
+            fs::remove_all(place_of(path));
         }
     }
     std::set<std::string> listings;
@@ -101,22 +101,23 @@ void PrivateTree::write_entry(const std::string& path, const OverlayEntry& entry
 void PrivateTree::refresh_links(const std::string& directory)
 {
     std::error_code ignored;
+    const fs::path here = directory;
     std::set<std::string> wanted;
-    for (const fs::directory_entry& real : fs::directory_iterator(directory, ignored)) {
+    for (const fs::directory_entry& real : fs::directory_iterator(here, ignored)) {
         const std::string path = real.path().string();
         if (overlay_.find(path) == nullptr && !is_real_nvme(path)) {
             wanted.insert(real.path().filename().string());
         }
     }
     for (const fs::directory_entry& present : fs::directory_iterator(place_of(directory), ignored)) {
-        const std::string name = present.path().filename().string();
-        if (wanted.erase(name) == 0 && overlay_.find(directory + "/" + name) == nullptr) {
+        const fs::path name = present.path().filename();
+        if (wanted.erase(name.string()) == 0 && overlay_.find((here / name).string()) == nullptr) {
             fs::remove_all(present.path(), ignored);
         }
     }
     for (const std::string& name : wanted) {
-        const std::string real = directory + "/" + name;
-        fs::create_symlink(real, place_of(real), ignored);
+        const fs::path real = here / name;
+        fs::create_symlink(real, place_of(real.string()), ignored);
     }
 }
 

@@ -304,6 +304,7 @@ int threads()
     constexpr int kCommands = 200;
     std::array<int, kThreads> good{};
     std::vector<std::thread> running;
+    running.reserve(kThreads);
     for (int index = 0; index < kThreads; ++index) {
         running.emplace_back([&good, index] {
             const int fd = open_node();

@@ -18,7 +18,6 @@ namespace qrx::sim {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 struct Outcome {
     int value = 0;
