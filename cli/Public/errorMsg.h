@@ -1,7 +1,4 @@
-// The words for the failure codes of the firmware.
+// The words for the failure codes of the firmware: ErrorMessage, which the access layer has too.
 #pragma once
 
-#include "api/src/interface/wire/types.h"
-
-// The text of a response's cmd_status.
-const char* ErrorMessage(QRX_U8 errorCode);
+#include "api/src/interface/agent.h"

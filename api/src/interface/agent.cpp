@@ -214,3 +214,15 @@ const char* _vcErrorMessage(QRX_U32 errorCode)
 {
     return textOf(kVendorTexts, errorCode & kStatusCode, "Unknown error");
 }
+
+const char* ErrorMessage(QRX_U8 errorCode)
+{
+    switch (errorCode) {
+    case 0:
+        return "No error";
+    case 1:
+        return "Failed";
+    default:
+        return "Unknown error";
+    }
+}

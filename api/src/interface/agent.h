@@ -30,3 +30,6 @@ void _showStatusCode(QRX_U32 statusCode);
 // The text of a command-specific, and of a vendor-specific, status code (its low 8 bits).
 const char* _cssErrorMessage(QRX_U32 errorCode);
 const char* _vcErrorMessage(QRX_U32 errorCode);
+
+// The text of a response's cmd_status.
+const char* ErrorMessage(QRX_U8 errorCode);
