@@ -6,10 +6,22 @@
 #include "api/src/device/common/DeviceManagement.h"
 #include "api/src/interface/agent.h"
 #include "api/src/interface/globals.h"
+#include "api/src/interface/pair_request.h"
 
 namespace {
 
 constexpr QRX_U32 kDefaultFlashSize = 0x800000;
+
+// Older firmware leaves these two fields 0.
+void putDefaults(NVME_Adapter_Info& record)
+{
+    if (record.MaxPD == 0) {
+        record.MaxPD = record.PortCount;
+    }
+    if (record.MaxFlashSize == 0) {
+        record.MaxFlashSize = kDefaultFlashSize;
+    }
+}
 
 }  // namespace
 
@@ -26,6 +38,16 @@ QRX_U32 QRX_Adapter_SetTime(QRX_U16 adapter_id, PNVME_Adapter_Time adapter_time)
     PDevice device = table->getDevice(table, adapter_id);
     PDevice nvme = device->getNVMEDevice(device);
     return nvme->sendPassthruAdmin(nvme, &command, nullptr, 0, nullptr, 0, nullptr);
+}
+
+QRX_U32 QRX_Adapter_GetInfo(QRX_U16 adapter_id, PNVME_Adapter_Info adapter_info)
+{
+    const QRX_U32 status = qrx::pairRequest(adapter_id, {kGroupAdapter, qrx::kSubReadAdapterInfo}, {}, adapter_info,
+                                            sizeof(*adapter_info));
+    if (status == 0) {
+        putDefaults(*adapter_info);
+    }
+    return status;
 }
 
 QRX_U32 QRX_Adapter_GetSimpleInfo(QRX_U8 adapter_id, PNVME_Adapter_Info record)
@@ -47,11 +69,6 @@ QRX_U32 QRX_Adapter_GetSimpleInfo(QRX_U8 adapter_id, PNVME_Adapter_Info record)
         return status;
     }
     *record = qrx::payload<NVME_Adapter_Info>(page);
-    if (record->MaxPD == 0) {
-        record->MaxPD = record->PortCount;
-    }
-    if (record->MaxFlashSize == 0) {
-        record->MaxFlashSize = kDefaultFlashSize;
-    }
+    putDefaults(*record);
     return status;
 }

@@ -70,6 +70,7 @@ struct _NVME_VD_Info_Request {
     NVME_VD_Info vd_info;  // one or more
 };
 using NVME_VD_Info_Request = _NVME_VD_Info_Request;
+using PNVME_VD_Info_Request = _NVME_VD_Info_Request*;
 static_assert(sizeof(_NVME_VD_Info_Request) == 196);
 #pragma pack(pop)
 
