@@ -6,6 +6,7 @@
 #include "api/src/interface/api.h"
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/report.h"
 
@@ -114,8 +115,8 @@ QRX_U8 checkHDExist(QRX_U16 id, bool /*JBOFMode*/, QRX_U8 adapter)
 
 QRX_U16 getTotoalPDCnt(QRX_U8 AdapterID)
 {
-    const NVME_Adapter_Info& current = qrx::info::recordOf(gCurrentAdapter);
-    const bool isJBOF = qrx::info::isJbof(current);
+    const NVME_Adapter_Info& current = qrx::recordOf(gCurrentAdapter);
+    const bool isJBOF = qrx::isJbof(current);
     const QRX_U16 range = isJBOF ? current.MaxNSPerVD : current.MaxPD;
     QRX_U16 found = 0;
     for (QRX_U16 id = 0; id < range; ++id) {

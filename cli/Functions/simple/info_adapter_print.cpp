@@ -8,6 +8,7 @@
 #include "api/src/interface/api.h"
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/lines.h"
 
 namespace {
@@ -146,7 +147,7 @@ void printPorts(const Lines& lines, std::span<const NVME_PCIe_Info> ports)
 void Adapter_PrintInfo(QRX_U8 AdapterID, const NVME_Adapter_Info& info, bool showSubnqn)
 {
     const Lines lines(kWidth);
-    const bool isRaid = !qrx::info::isJbof(info);
+    const bool isRaid = !qrx::isJbof(info);
 
     int deviceNumber = AdapterID;
     GetAdapterIdFromDeviceName(AdapterID, &deviceNumber);

@@ -24,12 +24,6 @@ int fetch(const AdminCommand& command, std::initializer_list<unsigned> shown, Re
     return status;
 }
 
-const NVME_Adapter_Info& recordOf(QRX_U8 adapter)
-{
-    static constexpr NVME_Adapter_Info kNone{};
-    return g_pAdInfos != nullptr && adapter < gNumAdaptersFound ? g_pAdInfos[adapter] : kNone;
-}
-
 std::string fieldText(std::span<const QRX_U8> field, std::size_t mostBlanks)
 {
     auto first = field.begin();

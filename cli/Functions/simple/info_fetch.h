@@ -5,7 +5,6 @@
 #include <string>
 
 #include "api/src/interface/globals.h"
-#include "api/src/interface/wire/adapter.h"
 #include "cli/Public/frame/admin_command.h"
 
 namespace qrx::info {
@@ -20,15 +19,13 @@ enum class Status {
 int fetch(const AdminCommand& command, std::initializer_list<unsigned> shown, Response& response, Status spoken,
           QRX_U8 adapter = gCurrentAdapter);
 
-// The controller's record as read at start; zeros where there is none.
-const NVME_Adapter_Info& recordOf(QRX_U8 adapter);
-inline bool isJbof(const NVME_Adapter_Info& record)
-{
-    return (record.Features & kFeatureRaid) == 0;
-}
-
 // A fixed-size text field without its leading blanks, of which at most `mostBlanks` are dropped. It ends at the first
 // zero byte or at the end of the field.
 std::string fieldText(std::span<const QRX_U8> field, std::size_t mostBlanks = 0);
+
+// Prints from a list of namespaces the one with this NSID, or for kAllInstances those with one of the status bits,
+// and how many.
+inline constexpr QRX_U8 kAnyStatus = 0xFF;
+void printNamespaces(const Response& response, QRX_U16 nsId, QRX_U8 wantedStatus);
 
 }  // namespace qrx::info

@@ -3,6 +3,7 @@
 
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/report.h"
 
@@ -19,16 +20,11 @@ constexpr QRX_U8 kSubListAll = 0;
 constexpr QRX_U8 kSubListOfVd = 1;
 constexpr QRX_U8 kSubReadNmic = 5;
 
-bool isGood(const Response& response)
-{
-    return response.isSigned() && response.status() == 0;
-}
-
 // Prints those of the MaxNS records for which `wanted` holds, and says how many. The page ends the list where MaxNS is
 // more than it can hold.
 QRX_U32 printMatching(const Response& response, const std::function<bool(const NVME_NS_Info&)>& wanted)
 {
-    const NVME_Adapter_Info& adapter = qrx::info::recordOf(gCurrentAdapter);
+    const NVME_Adapter_Info& adapter = qrx::recordOf(gCurrentAdapter);
     QRX_U32 found = 0;
     for (std::size_t i = 0; i < adapter.MaxNS; ++i) {
         const auto ns = response.record<NVME_NS_Info>(i * sizeof(NVME_NS_Info));
@@ -36,14 +32,16 @@ QRX_U32 printMatching(const Response& response, const std::function<bool(const N
             break;
         }
         if (wanted(*ns)) {
-            NS_PrintInfo(*ns, qrx::info::isJbof(adapter));
+            NS_PrintInfo(*ns, qrx::isJbof(adapter));
             ++found;
         }
     }
     return found;
 }
 
-void printList(const Response& response, QRX_U16 nsId, QRX_U8 wantedStatus)
+}  // namespace
+
+void qrx::info::printNamespaces(const Response& response, QRX_U16 nsId, QRX_U8 wantedStatus)
 {
     if (nsId != kAllInstances) {
         if (printMatching(response, [nsId](const NVME_NS_Info& ns) { return ns.NSID == nsId && ns.Status != 0; }) ==
@@ -62,21 +60,19 @@ void printList(const Response& response, QRX_U16 nsId, QRX_U8 wantedStatus)
     print("\n");
 }
 
-}  // namespace
-
 void getNSInfoSA(QRX_U16 nsId, bool /*showParentDev*/)
 {
-    if (qrx::info::recordOf(gCurrentAdapter).MaxNS == 0) {
+    if (qrx::recordOf(gCurrentAdapter).MaxNS == 0) {
         print("Get MaxNS from adapter info fail.\n");
         return;
     }
     Response response;
     (void)qrx::info::fetch(vendorCommand(kGroupNs, kSubListAll), {0, 12}, response, Status::Spoken);
-    if (!isGood(response)) {
+    if (!response.isGood()) {
         print("\nUnable to get info of NS\n");
         return;
     }
-    printList(response, nsId, 0xFF);
+    qrx::info::printNamespaces(response, nsId, qrx::info::kAnyStatus);
 }
 
 void getNSInfoOfVDSA(QRX_U16 nsId, QRX_U16 vdId)
@@ -85,11 +81,11 @@ void getNSInfoOfVDSA(QRX_U16 nsId, QRX_U16 vdId)
     Response response;
     (void)qrx::info::fetch(vendorCommand(kGroupNs, kSubListOfVd, unit.vd_id).flag(0x5001), {0, 12}, response,
                            Status::Spoken);
-    if (!isGood(response)) {
+    if (!response.isGood()) {
         print("\nUnable to get info of VD\n");
         return;
     }
-    printList(response, nsId, kNsValid);
+    qrx::info::printNamespaces(response, nsId, kNsValid);
 }
 
 void NS_PrintInfo(const NVME_NS_Info& ns, bool isJBOF)
@@ -114,7 +110,7 @@ void getNMIC(QRX_U8 nsId)
     Response response;
     const int status = command.receive(response.bytes());
     const auto nmic = response.record<NMIC_Data>();
-    if (status != 0 || !isGood(response) || !nmic) {
+    if (status != 0 || !response.isGood() || !nmic) {
         print("Unable to get NMIC\n\n");
         return;
     }

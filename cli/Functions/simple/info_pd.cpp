@@ -1,6 +1,7 @@
 // `info -o pd`: physical disks.
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/report.h"
 
@@ -24,7 +25,7 @@ const char* statusWord(QRX_U8 status)
 
 void printEveryPd(bool isJBOF)
 {
-    const NVME_Adapter_Info& record = qrx::info::recordOf(gCurrentAdapter);
+    const NVME_Adapter_Info& record = qrx::recordOf(gCurrentAdapter);
     const int range = record.MaxPD * record.PortCount;
     QRX_U32 found = 0;
     print("\n");
@@ -46,7 +47,7 @@ void printEveryPd(bool isJBOF)
 
 void getHDInfoSA(QRX_U16 HDID)
 {
-    const bool isJBOF = qrx::info::isJbof(qrx::info::recordOf(gCurrentAdapter));
+    const bool isJBOF = qrx::isJbof(qrx::recordOf(gCurrentAdapter));
     if (HDID == kAllInstances) {
         printEveryPd(isJBOF);
     } else if (getOneHDInfoSA(HDID, isJBOF) != 0) {

@@ -5,6 +5,7 @@
 
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/report.h"
@@ -76,7 +77,7 @@ std::string memberList(const NVME_VD_Info& vd)
 void printEveryVd()
 {
     // The range of indices is the number of ports, not MaxVD.
-    const QRX_U8 range = qrx::info::recordOf(gCurrentAdapter).PortCount;
+    const QRX_U8 range = qrx::recordOf(gCurrentAdapter).PortCount;
     QRX_U32 found = 0;
     print("\n");
     for (QRX_U16 index = 0; index < range; ++index) {

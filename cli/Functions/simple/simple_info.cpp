@@ -56,6 +56,7 @@ namespace {
 
 using qrx::OptionScan;
 using qrx::refuse;
+using qrx::take;
 
 constexpr char kLetters[] = "o:i:t:v:u:\x01:h";
 constexpr option kLong[] = {
@@ -81,13 +82,6 @@ struct Wish {
     int type = kOfHost;
     int vd = kAllInstances;
 };
-
-// Stores `value` in `field`; false when there is none.
-bool take(std::optional<int> value, int& field)
-{
-    field = value.value_or(field);
-    return value.has_value();
-}
 
 // Stores the option's argument. 0, or the result of the complaint about it.
 int read(int letter, OptionScan& scan, Wish& wish)

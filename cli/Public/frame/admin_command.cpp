@@ -88,6 +88,12 @@ AdminCommand vendorCommand(QRX_U8 group, QRX_U8 subOpcode, QRX_U16 unit, QRX_U32
     return AdminCommand(opcode).word(12, vendorWord(group, subOpcode, unit));
 }
 
+int carryOut(const AdminCommand& command, const char* failure, const char* success)
+{
+    command.debug();
+    return report(command.send(), failure, success);
+}
+
 bool Response::isSigned() const
 {
     return std::memcmp(page_.data(), kFrameSign, 3) == 0;

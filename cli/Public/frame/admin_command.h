@@ -50,12 +50,17 @@ private:
 // A vendor command with its CDW0 and CDW12.
 AdminCommand vendorCommand(QRX_U8 group, QRX_U8 subOpcode, QRX_U16 unit = 0, QRX_U32 opcode = kVendorRead);
 
+// What most handlers end with: the debug lines of `command`, the command without data to the current controller, and
+// the line of its outcome. Returns the device's status.
+int carryOut(const AdminCommand& command, const char* failure, const char* success);
+
 // The page that a vendor command fills, zeroed until then: an envelope, and the payload behind it.
 class Response {
 public:
     [[nodiscard]] std::span<QRX_U8> bytes() { return page_; }
     [[nodiscard]] std::span<const QRX_U8> bytes() const { return page_; }
     [[nodiscard]] bool isSigned() const;  // bytes 0 to 2 are "QRX"
+    [[nodiscard]] bool isGood() const { return isSigned() && status() == 0; }
     [[nodiscard]] QRX_U8 status() const { return page_[offsetof(NVMEReceiveData, cmd_status)]; }
 
     // The record at `offset` of the payload, or nothing where the page does not hold it whole.

@@ -22,6 +22,14 @@ std::int32_t strtol32(const char* text, int base, const char** end)
     return static_cast<std::int32_t>(std::clamp<long long>(value, Limits::min(), Limits::max()));
 }
 
+std::uint32_t strtoul32(const char* text, int base)
+{
+    // Of a negative text the digits are read, and what fits is then negated.
+    const long long value = std::strtoll(text, nullptr, base);
+    constexpr long long kMax = std::numeric_limits<std::uint32_t>::max();
+    return static_cast<std::uint32_t>(value >= -kMax && value <= kMax ? value : kMax);
+}
+
 std::optional<std::int32_t> readNumber(const char* text)
 {
     if (text == nullptr || !isNumber(text)) {

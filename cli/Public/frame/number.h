@@ -13,6 +13,9 @@ namespace qrx {
 // strtol with a 32-bit long. `end`, if not null, gets the first character that was not read.
 std::int32_t strtol32(const char* text, int base, const char** end = nullptr);
 
+// strtoul with a 32-bit unsigned long.
+std::uint32_t strtoul32(const char* text, int base);
+
 // A text that passes isNumber, in base 10. An empty text is 0.
 std::optional<std::int32_t> readNumber(const char* text);
 

@@ -42,6 +42,8 @@ public:
     // How often next() has given `letter`.
     [[nodiscard]] unsigned count(int letter) const { return counts_[index(letter)]; }
     [[nodiscard]] bool has(int letter) const { return count(letter) != 0; }
+    // Words of the command, its own included.
+    [[nodiscard]] int argc() const { return argc_; }
     // True when any of the letters came more than once.
     [[nodiscard]] bool repeated(std::string_view letters) const;
 
@@ -67,5 +69,15 @@ struct Keyword {
 };
 // Nothing for an unknown word, and for null.
 std::optional<int> keyword(const char* text, std::span<const Keyword> words);
+
+// Stores `value`, cut to the field's width; false, and the field as it was, when there is none.
+template <class Value, class Field>
+bool take(std::optional<Value> value, Field& field)
+{
+    if (value) {
+        field = static_cast<Field>(*value);
+    }
+    return value.has_value();
+}
 
 }  // namespace qrx

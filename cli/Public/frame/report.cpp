@@ -34,10 +34,19 @@ int refuse(int result, const char* format, ...)
     return result;
 }
 
-int duplicateOption()
+bool complain(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    (void)std::vfprintf(stream, format, arguments);
+    va_end(arguments);
+    return false;
+}
+
+int duplicateOption(int result)
 {
     std::fputs(ErrorDuplicate, stream);
-    return 1;
+    return result;
 }
 
 int optionRequired(PCommand_Info row, char letter, int result)

@@ -12,8 +12,10 @@ int showHelp(PCommand_Info row, int result);
 
 // A complaint about an argument: prints, and gives `result` back. The word goes through OptionScan::word().
 int refuse(int result, const char* format, ...) __attribute__((format(printf, 2, 3)));
+// The same, as a condition: false.
+bool complain(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-int duplicateOption();  // 1
+int duplicateOption(int result = 1);
 int optionRequired(PCommand_Info row, char letter, int result = 0);
 int optionValNotRequired(PCommand_Info row, char letter, int result = 0);
 
