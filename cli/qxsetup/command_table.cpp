@@ -9,6 +9,7 @@
 #include "cli/Functions/builtin/help.h"
 #include "cli/Functions/builtin/version.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Functions/simple/simple_vd.h"
 
 namespace {
 
@@ -27,6 +28,7 @@ Command_Info generalCmdTableV1[] = {
     row("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
     row("info", doSInfo, simple_info_help,
         ":For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) or Namespace(ns) information."),
+    row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
 };
 
 Command_Info hiddenCmdTableV1[] = {

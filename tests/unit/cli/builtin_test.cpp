@@ -32,7 +32,8 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "adapter            :Default NVMe Controller the following CLI commands refers to.\n"
                           "version            :Show API, CLI and support firmware version\n"
                           "info               :For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) "
-                          "or Namespace(ns) information.\n" +
+                          "or Namespace(ns) information.\n"
+                          "vd                 :For VD create and delete\n" +
                           expected::kHelpFoot + "\n";
 
 TEST(HelpTexts, AreExact)
