@@ -9,6 +9,7 @@
 #include "cli/Functions/builtin/help.h"
 #include "cli/Functions/builtin/version.h"
 #include "cli/Functions/simple/simple_bga.h"
+#include "cli/Functions/simple/simple_import.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Functions/simple/simple_vd.h"
 
@@ -29,6 +30,7 @@ Command_Info generalCmdTableV1[] = {
     row("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
     row("info", doSInfo, simple_info_help,
         ":For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) or Namespace(ns) information."),
+    row("import", doSImport, simple_import_help, ":For import VD"),
     row("init", doSINIT, simple_init_help, ":For start or stop VD initialization."),
     row("mp", doSMP, simple_mp_help, ":For start or stop media patrol for a virtual disk."),
     row("rebuild", doSRebuild, simple_rebuild_help, ":For start or stop VD rebuild."),

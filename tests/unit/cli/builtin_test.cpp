@@ -33,6 +33,7 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "version            :Show API, CLI and support firmware version\n"
                           "info               :For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) "
                           "or Namespace(ns) information.\n"
+                          "import             :For import VD\n"
                           "init               :For start or stop VD initialization.\n"
                           "mp                 :For start or stop media patrol for a virtual disk.\n"
                           "rebuild            :For start or stop VD rebuild.\n"
