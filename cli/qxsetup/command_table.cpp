@@ -9,6 +9,7 @@
 #include "cli/Functions/builtin/help.h"
 #include "cli/Functions/builtin/version.h"
 #include "cli/Functions/simple/simple_bga.h"
+#include "cli/Functions/simple/simple_config.h"
 #include "cli/Functions/simple/simple_import.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Functions/simple/simple_vd.h"
@@ -34,6 +35,9 @@ Command_Info generalCmdTableV1[] = {
     row("init", doSINIT, simple_init_help, ":For start or stop VD initialization."),
     row("mp", doSMP, simple_mp_help, ":For start or stop media patrol for a virtual disk."),
     row("rebuild", doSRebuild, simple_rebuild_help, ":For start or stop VD rebuild."),
+    row("debuglv", doSDEBUGLV, simple_debuglv_help, ":For switch debug level target"),
+    row("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
+    row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
     row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
 };
 

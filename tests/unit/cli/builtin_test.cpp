@@ -37,6 +37,9 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "init               :For start or stop VD initialization.\n"
                           "mp                 :For start or stop media patrol for a virtual disk.\n"
                           "rebuild            :For start or stop VD rebuild.\n"
+                          "debuglv            :For switch debug level target\n"
+                          "get                :For getting configuration information of NVMe Controller.\n"
+                          "set                :For setting configuration parameters of NVMe Controller.\n"
                           "vd                 :For VD create and delete\n" +
                           expected::kHelpFoot + "\n";
 

@@ -1,0 +1,122 @@
+// `set`: reads the settings of the current controller, changes what is asked for, and writes them back whole.
+#include "api/src/interface/globals.h"
+#include "cli/Functions/simple/simple_config.h"
+#include "cli/Public/frame/admin_command.h"
+#include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/handler.h"
+#include "cli/Public/frame/number.h"
+
+const char simple_set_help[] =
+    "\n"
+    "set -o hba [-a on | off] [-r < high|medium|low >][-h] \n"
+    "\n"
+    "Options:\n"
+    "    -o, --object <hba>\n"
+    "        Configure NVMe Controller.\n"
+    "    -i, --id <NVMe Controller id>\n"
+    "        NVMe Controller id.\n"
+    "    -a, --autorebuild <on | off>\n"
+    "    -r, --bgarate <high|medium|low>\n"
+    "    -h, --help\n"
+    "\n"
+    "Examples:\n"
+    "    set -o hba -a on\n"
+    "    Enable autorebuild on NVMe Controller 0.\n"
+    "\n"
+    "    set -o hba -r high\n"
+    "    Update BGA rate as high on NVMe Controller 0.\n";
+
+namespace {
+
+using qrx::complain;
+
+// The short string has more than the help tells of: -n and -s show the help, -v is checked and dropped.
+constexpr char kLetters[] = "a:o:r:n:v:s:\x01:h";
+constexpr option kLong[] = {
+    {"autorebuild", required_argument, nullptr, 'a'},
+    {"object", required_argument, nullptr, 'o'},
+    {"bgarate", required_argument, nullptr, 'r'},
+    {"name", required_argument, nullptr, 'n'},
+    {"vid", required_argument, nullptr, 'v'},
+    {"secure", required_argument, nullptr, 's'},
+    qrx::kOutputRow,
+    qrx::kHelpRow,
+    qrx::kEndRow,
+};
+
+constexpr qrx::Keyword kObjects[] = {{"hba", 0}};
+constexpr qrx::Keyword kSwitch[] = {{"off", 0}, {"on", 1}};
+constexpr qrx::Keyword kRates[] = {{"high", qrx::kRateHigh}, {"medium", qrx::kRateMedium}, {"low", qrx::kRateLow}};
+constexpr QRX_U8 kSubWriteConfig = 2;
+
+// What is to change.
+struct Wish {
+    std::optional<int> autoRebuild;
+    std::optional<int> BGARate;
+};
+
+bool isVdId(const char* word)
+{
+    const auto number = qrx::readNumber(word);
+    return number && static_cast<QRX_U16>(*number - qrx::idBase()) <= gNumAdaptersFound - 1;
+}
+
+// Stores the option's argument; false after a complaint.
+bool read(int letter, const char* word, Wish& wish)
+{
+    switch (letter) {
+    case 'a':
+        wish.autoRebuild = qrx::keyword(word, kSwitch);
+        return wish.autoRebuild || complain("-c : invalid auto rebuild mode '%s'\n", word);
+    case 'r':
+        wish.BGARate = qrx::keyword(word, kRates);
+        return wish.BGARate || complain("-r : invalid BGA rate '%s'\n", word);
+    case 'v':
+        return isVdId(word) || complain("-v : invalid vd id '%s'\n", word);
+    default:
+        return qrx::keyword(word, kObjects) || complain("-o : invalid object '%s'\n", word);
+    }
+}
+
+int write(const NVME_Adapter_Config& config)
+{
+    const auto command = qrx::vendorCommand(kGroupAdapter, kSubWriteConfig)
+                             .word(10, 0)
+                             .word(14, config.AutoRebuildOn | static_cast<QRX_U32>(config.BGARate) << 8);
+    command.debug();
+    if (command.send() != 0) {
+        return qrx::refuse(1, "\nFailed to configure hba %d\n", gCurrentAdapter);
+    }
+    return qrx::refuse(0, "HBA configuration is updated.\n");
+}
+
+}  // namespace
+
+int doSSet(int argc, char** argv, PCommand_Info pCmdInfo)
+{
+    qrx::OptionScan scan(argc, argv, kLetters, kLong);
+    Wish wish;
+    if (const auto result =
+            qrx::readOptions(scan, pCmdInfo, "aorv", 1, [&](int letter) { return read(letter, scan.word(), wish); })) {
+        return *result;
+    }
+    if (scan.repeated("or")) {
+        return qrx::duplicateOption();
+    }
+    if (!scan.has('o')) {
+        return qrx::optionRequired(pCmdInfo, 'o', 1);
+    }
+    if (qrx::isJbof(qrx::recordOf(gCurrentAdapter))) {
+        return qrx::refuse(1, qrx::kRefusedInJbof);
+    }
+    NVME_Adapter_Config config{};
+    if (qrx::readConfig(gCurrentAdapter, config) != 0) {
+        return qrx::refuse(1, "\nUnable to get configuration info of adapter %d\n", gCurrentAdapter);
+    }
+    const bool switches = qrx::take(wish.autoRebuild, config.AutoRebuildOn);
+    const bool rates = qrx::take(wish.BGARate, config.BGARate);
+    if (!switches && !rates) {
+        return qrx::refuse(0, "Invalid setting(s) for HBA\n");
+    }
+    return write(config);
+}
