@@ -12,6 +12,7 @@
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Functions/simple/simple_import.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Functions/simple/simple_ns.h"
 #include "cli/Functions/simple/simple_vd.h"
 
 namespace {
@@ -39,6 +40,7 @@ Command_Info generalCmdTableV1[] = {
     row("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
     row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
     row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
+    row("ns", doSNS, simple_ns_help, ":For namespace management"),
 };
 
 Command_Info hiddenCmdTableV1[] = {

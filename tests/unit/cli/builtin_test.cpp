@@ -40,7 +40,8 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "debuglv            :For switch debug level target\n"
                           "get                :For getting configuration information of NVMe Controller.\n"
                           "set                :For setting configuration parameters of NVMe Controller.\n"
-                          "vd                 :For VD create and delete\n" +
+                          "vd                 :For VD create and delete\n"
+                          "ns                 :For namespace management\n" +
                           expected::kHelpFoot + "\n";
 
 TEST(HelpTexts, AreExact)

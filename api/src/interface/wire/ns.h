@@ -51,3 +51,11 @@ struct _controller_list_format {
     QRX_U16 id[kControllerListMax];
 };
 static_assert(sizeof(_controller_list_format) == 4096);
+
+// The same list, as the namespace commands fill it.
+struct _NVME_NS_ATTACHMENT_PRP {
+    QRX_U16 NumOfIdentifiers;
+    QRX_U16 Identifier[kControllerListMax];
+};
+using NVME_NS_ATTACHMENT_PRP = _NVME_NS_ATTACHMENT_PRP;
+static_assert(sizeof(_NVME_NS_ATTACHMENT_PRP) == 4096);
