@@ -62,6 +62,8 @@ struct Adapter {
     friend bool operator==(const Adapter&, const Adapter&) = default;
 
     [[nodiscard]] bool raid() const { return (features & kFeatureRaid) != 0; }
+    // How many ids drives can have: 0 to one less.
+    [[nodiscard]] unsigned drive_ids() const { return unsigned{ports} * (max_pd != 0 ? max_pd : ports); }
     // The record of the "read adapter info" command.
     [[nodiscard]] NVME_Adapter_Info record(const PciAddress& address) const;
 };

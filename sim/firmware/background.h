@@ -16,10 +16,23 @@ struct BackgroundActivity {
 
     [[nodiscard]] bool running() const { return state == QRX_NVME_BGA_STATUS_RUNNING; }
     [[nodiscard]] bool finished() const { return elapsed >= duration; }
+    // Simulated time until it is done; the longest there is while it does not run.
+    [[nodiscard]] Clock::Duration left() const;
     [[nodiscard]] QRX_U8 percentage() const;
+    // Makes it `to` / `from` times as long, with the same share of it done.
+    void stretch(QRX_U64 from, QRX_U64 to);
     // Lets `passed` go by. A paused activity does not move.
     void advance(Clock::Duration passed);
     [[nodiscard]] NVME_BGA_STATUS record(QRX_U8 id) const;
 };
+
+// How many times as long as at the rate "high" an activity takes at `rate`.
+[[nodiscard]] QRX_U64 rate_factor(QRX_U8 rate);
+
+// The milliseconds that an activity takes which goes over `bytes` of every member.
+[[nodiscard]] QRX_U64 activity_duration(QRX_U8 type, QRX_U64 bytes, QRX_U8 rate);
+
+// "initialization", "media patrol", ...
+[[nodiscard]] const char* activity_name(QRX_U8 type);
 
 }  // namespace qrx::sim

@@ -16,22 +16,23 @@ public:
 
     QRX_U64 milliseconds = kPowerOn;  // since the epoch, UTC
     bool set = false;                 // a host has set it since power-on
+    QRX_U64 uptime = 0;               // milliseconds since power-on
 
     friend bool operator==(const Clock&, const Clock&) = default;
 
     [[nodiscard]] QRX_U64 seconds() const { return milliseconds / 1000; }
 
-    void advance(Duration duration) { milliseconds += static_cast<QRX_U64>(duration.count()); }
-
-    // Sets the clock and returns the simulated time that has thereby gone by. The first setting only tells the
-    // controller the time of day; a later one, forward, tells it how long it has been running unobserved.
-    Duration set_to(QRX_U64 new_milliseconds)
+    void advance(Duration duration)
     {
-        const bool passes = set && new_milliseconds > milliseconds;
-        const QRX_U64 passed = passes ? new_milliseconds - milliseconds : 0;
+        milliseconds += static_cast<QRX_U64>(duration.count());
+        uptime += static_cast<QRX_U64>(duration.count());
+    }
+
+    // Tells the controller the time of day. No time goes by thereby.
+    void set_to(QRX_U64 new_milliseconds)
+    {
         milliseconds = new_milliseconds;
         set = true;
-        return Duration(passed);
     }
 };
 

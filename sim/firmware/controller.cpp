@@ -27,6 +27,17 @@ const Drive* Controller::find_drive(QRX_U32 id) const
     return found == drives.end() ? nullptr : &*found;
 }
 
+Drive* Controller::drive_of(QRX_U32 id)
+{
+    return const_cast<Drive*>(find_drive(id));  // NOLINT(cppcoreguidelines-pro-type-const-cast): *this is not const
+}
+
+VirtualDisk* Controller::vd_of(QRX_U32 id)
+{
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): *this is not const
+    return const_cast<VirtualDisk*>(find_virtual_disk(id));
+}
+
 const VirtualDisk* Controller::find_virtual_disk(QRX_U32 id) const
 {
     const auto found =
@@ -90,15 +101,39 @@ NvmeFunction::Capacity Controller::capacity() const
 {
     Capacity capacity;
     for (const Drive& drive : drives) {
-        const bool holds_namespace = std::any_of(namespaces.begin(), namespaces.end(), [&](const Namespace& ns) {
-            return ns.parent_kind == kNsParentPd && ns.parent == drive.id;
-        });
         capacity.total += drive.bytes();
-        if (!holds_namespace && !assigned(drive.id)) {
-            capacity.unallocated += drive.bytes();
+        if (assigned(drive.id)) {
+            continue;
         }
+        QRX_U64 used = 0;
+        for (const Namespace& ns : namespaces) {
+            used += ns.parent_kind == kNsParentPd && ns.parent == drive.id ? ns.sectors * ns.sector_size : 0;
+        }
+        capacity.unallocated += drive.bytes() - std::min(used, drive.bytes());
     }
     return capacity;
+}
+
+bool Controller::in_service(const Namespace& ns) const
+{
+    if (ns.parent_kind == kNsParentVd) {
+        const VirtualDisk* const vd = find_virtual_disk(ns.parent);
+        return vd != nullptr && vd->online();
+    }
+    const Drive* const drive = find_drive(ns.parent);
+    return drive != nullptr && !drive->failed;
+}
+
+Clock::Duration Controller::next_change() const
+{
+    Clock::Duration next = Clock::Duration::max();
+    for (const Drive& drive : drives) {
+        next = drive.activity ? std::min(next, drive.activity->left()) : next;
+    }
+    for (const VirtualDisk& vd : virtual_disks) {
+        next = vd.activity ? std::min(next, vd.activity->left()) : next;
+    }
+    return next;
 }
 
 void Controller::advance_back_end(Clock::Duration passed)
@@ -107,7 +142,12 @@ void Controller::advance_back_end(Clock::Duration passed)
         drive.advance(passed);
     }
     for (VirtualDisk& vd : virtual_disks) {
-        vd.advance(passed);
+        if (vd.activity) {
+            vd.activity->advance(passed);
+            if (vd.activity->finished()) {
+                finish_activity(vd);
+            }
+        }
     }
 }
 

@@ -1,17 +1,30 @@
 // The RAID controller: an NVMe function with vendor commands, and drives and virtual disks behind it.
 #pragma once
 
+#include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "sim/firmware/adapter.h"
 #include "sim/firmware/drive.h"
+#include "sim/firmware/event_list.h"
 #include "sim/firmware/hba_settings.h"
 #include "sim/firmware/nvme_function.h"
 #include "sim/firmware/pair_mailbox.h"
+#include "sim/firmware/result.h"
 #include "sim/firmware/virtual_disk.h"
 
 namespace qrx::sim {
+
+// What a virtual disk is to be.
+struct VirtualDiskPlan {
+    QRX_U8 raid_mode = kRaid0;
+    QRX_U16 stripe = 256;  // sectors of 512 bytes; one that is none is refused
+    std::vector<QRX_U16> members;
+    std::string name;                      // empty: one of the controller's own
+    std::vector<QRX_U64> namespace_sizes;  // sectors of each namespace; 0: an equal part of what the others leave
+};
 
 class Controller : public NvmeFunction {
 public:
@@ -19,6 +32,11 @@ public:
     static constexpr QRX_U8 kAllVirtualDisks = 255;
     // Most namespaces whose records fit behind the envelope of one page.
     static constexpr QRX_U8 kMaxNamespaces = 42;
+    // Host functions: two physical ones and the virtual ones behind them.
+    static constexpr QRX_U16 kHostFunctions = 34;
+    static constexpr QRX_U16 kFirstVirtualFunction = 2;
+    // Asks for every namespace table of a drive.
+    static constexpr QRX_U16 kAllTables = 255;
 
     Controller();
 
@@ -28,12 +46,21 @@ public:
     std::vector<Drive> drives;               // in order of id
     std::vector<VirtualDisk> virtual_disks;  // in order of id
     PairMailbox mailbox;
+    EventList events;
+    QRX_U64 namespaces_made = 0;  // since the start, so that no two have the same identifiers
 
     friend bool operator==(const Controller&, const Controller&) = default;
 
     [[nodiscard]] const Drive* find_drive(QRX_U32 id) const;
     [[nodiscard]] const VirtualDisk* find_virtual_disk(QRX_U32 id) const;
     [[nodiscard]] bool assigned(QRX_U16 pd) const;
+
+    // What happens to drives in a lab; nothing when it could be done, else why not.
+    std::optional<Failure> fail_drive(QRX_U32 id);
+    // Pulls the drive and all that lies on it.
+    std::optional<Failure> remove_drive(QRX_U32 id);
+    // Pulls it, if it is there, and plugs in a fresh one of the same kind with the same id.
+    std::optional<Failure> replace_drive(QRX_U32 id);
 
     // The records that the firmware reports.
     [[nodiscard]] NVME_PD_Info pd_record(const Drive& drive) const;
@@ -47,6 +74,10 @@ protected:
     [[nodiscard]] Capacity capacity() const override;
     [[nodiscard]] QRX_U32 max_namespaces() const override { return adapter.max_ns; }
     void advance_back_end(Clock::Duration passed) override;
+    [[nodiscard]] Clock::Duration next_change() const override;
+    [[nodiscard]] bool attaches_namespaces() const override { return (adapter.features & kFeatureNamespace) != 0; }
+    Completion attach(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
+    [[nodiscard]] bool in_service(const Namespace& ns) const override;
 
 private:
     // The vendor commands of opcode 0xE2.
@@ -57,16 +88,69 @@ private:
     Completion read_namespaces(std::span<QRX_U8> data) const;
     Completion read_namespaces_of(QRX_U8 vd, std::span<QRX_U8> data) const;
     Completion read_sharing(QRX_U16 nsid, std::span<QRX_U8> data) const;
-    Completion write_config(QRX_U32 word);
+    Verdict set_config(QRX_U8 auto_rebuild, QRX_U8 rate);
+    Verdict set_debug_level(QRX_U16 level);
     Completion set_time(QRX_U32 high, QRX_U32 low);
+    // The vendor commands without data, or a refusal with kNotSupported where there is no such command here.
+    [[nodiscard]] std::optional<Verdict> carry_out(const nvme_admin_cmd& command);
     // Writes the records of the namespaces that lie on `vd`, or on any virtual disk, from `payload` on.
     void put_namespaces_of(QRX_U8 vd, std::span<QRX_U8> payload) const;
+
+    // Virtual disks.
+    [[nodiscard]] VirtualDisk* vd_of(QRX_U32 id);
+    [[nodiscard]] Drive* drive_of(QRX_U32 id);
+    // Whether a drive can become a member: there, nobody's, healthy, idle.
+    [[nodiscard]] Verdict check_free(QRX_U32 pd) const;
+    // The verdict on a plan; with kGood `made` is the virtual disk and the plan has the size of every namespace.
+    [[nodiscard]] Verdict plan_vd(VirtualDiskPlan& plan, VirtualDisk& made) const;
+    Verdict create_vd(VirtualDiskPlan plan);
+    Verdict delete_vd(QRX_U32 id);
+    Verdict import_vd(QRX_U32 id);
+
+    // Background activities.
+    Verdict start_initialization(QRX_U32 vd, QRX_U16 type);
+    Verdict start_media_patrol(QRX_U32 vd);
+    Verdict start_rebuild(QRX_U32 vd, QRX_U32 pd);
+    Verdict start_drive_patrol(QRX_U32 pd);
+    Verdict control_vd_activity(QRX_U32 vd, QRX_U16 operation);
+    Verdict control_pd_activity(QRX_U32 pd, QRX_U16 operation);
+    [[nodiscard]] Verdict check_rebuild_target(const VirtualDisk& vd, QRX_U32 pd) const;
+    void start_activity(VirtualDisk& vd, QRX_U8 type);
+    void finish_activity(VirtualDisk& vd);
+    void abort_activity(VirtualDisk& vd, const std::string& why);
+    // Sectors that every member of the virtual disk gives.
+    [[nodiscard]] QRX_U64 share_of(const VirtualDisk& vd) const;
+    [[nodiscard]] bool member_lost(const VirtualDisk& vd, std::size_t index) const;
+    // Gives a virtual disk the status that its members leave it, after one of them was lost or came to hold its data.
+    void update_status(VirtualDisk& vd);
+    void update_health();
+    void auto_rebuild();
+
+    // Namespaces.
+    [[nodiscard]] std::optional<QRX_U8> free_nsid() const;
+    [[nodiscard]] std::size_t free_nsids() const;
+    [[nodiscard]] std::size_t namespaces_on(QRX_U8 parent_kind, QRX_U16 parent) const;
+    // Makes a namespace that waits to be attached. There must be a free id.
+    Namespace& make_namespace(QRX_U8 parent_kind, QRX_U16 parent, QRX_U64 sectors, QRX_U32 sector_size);
+    void drop_namespaces(QRX_U8 parent_kind, QRX_U16 parent);
+    Verdict initialize_namespaces(QRX_U16 pd, QRX_U32 count);
+    Verdict create_namespace(QRX_U8 parent_plus_one, QRX_U8 owner, QRX_U64 sectors);
+    Verdict set_sharing(QRX_U16 nsid, QRX_U32 word);
+    Verdict import_table(QRX_U32 pd, QRX_U16 table);
+
+    void tell(Event::Subject subject, QRX_U16 id, std::string text) { events.add(clock, subject, id, std::move(text)); }
+    // Takes a member out of its virtual disk: `gone` when its slot is empty from now on.
+    void lose_member(QRX_U16 pd, bool gone);
 
     // The two halves of a pair command, and the requests that it carries.
     Completion pair_send(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     Completion pair_receive(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     Verdict answer_pair(std::span<QRX_U8> payload);
+    // The requests that change something; nothing for a request that is none of these.
+    [[nodiscard]] std::optional<Verdict> carry_out_pair(QRX_U32 code, std::span<QRX_U8> payload);
     Verdict pair_set_config();
+    Verdict pair_set_vd_config();
+    Verdict pair_create_vd(std::span<QRX_U8> payload);
     // Answers a list request: a head and then what `put` writes for each id from the head's start on. `put` says
     // whether the id exists.
     template <std::size_t RecordSize, class Put>

@@ -1,13 +1,25 @@
 // A physical disk behind the controller.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "api/src/interface/wire/pd.h"
 #include "sim/firmware/background.h"
 
 namespace qrx::sim {
+
+// A namespace of a table that another controller left on a drive.
+struct ForeignNamespace {
+    QRX_U8 table = 0;
+    QRX_U64 sectors = 1;
+    std::array<QRX_U8, 16> nguid{};
+    std::array<QRX_U8, 8> eui64{};
+
+    friend bool operator==(const ForeignNamespace&, const ForeignNamespace&) = default;
+};
 
 struct Drive {
     QRX_U16 id = 0;
@@ -22,6 +34,7 @@ struct Drive {
     QRX_U8 critical_warning = 0;  // as its SMART log says
     bool failed = false;
     bool importable = false;
+    std::vector<ForeignNamespace> foreign_namespaces;
     std::optional<BackgroundActivity> activity;
 
     friend bool operator==(const Drive&, const Drive&) = default;

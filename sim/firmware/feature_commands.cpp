@@ -85,7 +85,7 @@ Completion NvmeFunction::set_features(const nvme_admin_cmd& command, std::span<c
         if (!timestamp) {
             return complete(status::kInvalidField);
         }
-        set_clock(*timestamp & kTimestampMask);
+        clock.set_to(*timestamp & kTimestampMask);
         return complete(status::kSuccess);
     }
     const FeatureRule& rule = feature_rules()[*index];

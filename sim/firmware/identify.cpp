@@ -42,6 +42,18 @@ Completion deliver(const Page& page, std::span<QRX_U8> data)
     return complete(status::kSuccess);
 }
 
+// The ids from `from` on.
+_controller_list_format controller_list(std::span<const QRX_U16> ids, QRX_U32 from)
+{
+    _controller_list_format list{};
+    for (const QRX_U16 id : ids) {
+        if (id >= from) {
+            list.id[list.num_of_id++] = id;
+        }
+    }
+    return list;
+}
+
 }  // namespace
 
 nvme_id_ctrl NvmeFunction::identify_controller() const
@@ -61,6 +73,7 @@ nvme_id_ctrl NvmeFunction::identify_controller() const
     id.rtd3r = 5000000;
     id.rtd3e = 8000000;
     id.cntrltype = 1;  // an I/O controller
+    id.oacs = attaches_namespaces() ? 1U << 3 : 0;
     id.acl = 3;
     id.aerl = 0;                                      // one asynchronous event request
     id.frmw = static_cast<QRX_U8>(slots.count << 1);  // slots; slot 1 may be written
@@ -108,9 +121,9 @@ Completion NvmeFunction::identify(const nvme_admin_cmd& command, std::span<QRX_U
         if (!allocated) {
             return complete(possible ? status::kInvalidField : status::kInvalidNamespace);
         }
-        return ns->active ? identify_controllers(command.cdw10 >> 16, data) : deliver(_controller_list_format{}, data);
+        return deliver(controller_list(ns->attached_to(controller_id), command.cdw10 >> 16), data);
     case kCnsControllers:
-        return identify_controllers(command.cdw10 >> 16, data);
+        return deliver(controller_list(std::array{controller_id}, command.cdw10 >> 16), data);
     default:
         return complete(status::kInvalidField);
     }
@@ -145,16 +158,6 @@ Completion NvmeFunction::identify_namespaces(QRX_U32 after, bool allocated, std:
         if (ns.nsid > after && ns.valid && (allocated || ns.active)) {
             list[count++] = ns.nsid;
         }
-    }
-    return deliver(list, page);
-}
-
-Completion NvmeFunction::identify_controllers(QRX_U32 from, std::span<QRX_U8> page) const
-{
-    _controller_list_format list{};
-    if (controller_id >= from) {
-        list.num_of_id = 1;
-        list.id[0] = controller_id;
     }
     return deliver(list, page);
 }

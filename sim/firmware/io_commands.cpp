@@ -31,6 +31,9 @@ Completion NvmeFunction::io(const nvme_admin_cmd& command, std::span<QRX_U8> dat
         const bool possible = command.nsid != 0 && command.nsid <= max_namespaces();
         return complete(possible ? status::kInvalidField : status::kInvalidNamespace);
     }
+    if (!in_service(*target)) {
+        return complete(status::kNamespaceNotReady);
+    }
     return command.opcode == nvm::kFlush ? complete(status::kSuccess) : transfer(*target, command, data);
 }
 

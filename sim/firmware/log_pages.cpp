@@ -18,6 +18,7 @@ constexpr QRX_U8 kLogCommands = 0x05;
 constexpr QRX_U32 kBroadcast = 0xFFFFFFFF;
 constexpr QRX_U32 kSupported = 1;  // bit 0 of an entry of the commands and the supported pages logs
 constexpr QRX_U32 kChangesContent = 1U << 1;
+constexpr QRX_U32 kChangesInventory = 1U << 3;  // of namespaces
 
 // Delivers `length` bytes from `offset` of a log page; zeros where the host asks for more than the page has.
 template <class Page>
@@ -83,6 +84,9 @@ nvme_effects_log NvmeFunction::effects_log() const
                                 admin::kDeleteCompletionQueue, admin::kCreateCompletionQueue, admin::kIdentify,
                                 admin::kAbort, admin::kSetFeatures, admin::kGetFeatures, admin::kAsynchronousEvent}) {
         log.acs[opcode] = kSupported;
+    }
+    if (attaches_namespaces()) {
+        log.acs[admin::kNamespaceAttachment] = kSupported | kChangesInventory;
     }
     for (const QRX_U8 opcode : vendor_opcodes()) {
         log.acs[opcode] = kSupported;

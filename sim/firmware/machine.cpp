@@ -57,6 +57,13 @@ Completion Machine::io(const Node& node, const nvme_admin_cmd& command, std::spa
     return function->execute_io(command, data);
 }
 
+Controller* Machine::controller(unsigned number)
+{
+    const auto found = std::find_if(parts_.controllers.begin(), parts_.controllers.end(),
+                                    [number](const Controller& controller) { return controller.number == number; });
+    return found == parts_.controllers.end() ? nullptr : &*found;
+}
+
 void Machine::advance(Clock::Duration passed)
 {
     for (Controller& controller : parts_.controllers) {

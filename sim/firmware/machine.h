@@ -35,6 +35,10 @@ public:
 
     [[nodiscard]] const Parts& parts() const { return parts_; }
 
+    // For those who change the machine from outside, as a hand in a lab does.
+    [[nodiscard]] Controller* controller(unsigned number);
+    void set_mount_table(std::string text) { parts_.mount_table = std::move(text); }
+
 private:
     [[nodiscard]] NvmeFunction* find(const Node& node);
 

@@ -1,6 +1,7 @@
 // The text form of a machine: what each thing's fields are called, which values they take, and what must hold
 // between them.
 #include <algorithm>
+#include <functional>
 
 #include "sim/firmware/factory.h"
 #include "sim/firmware/json_fields.h"
@@ -282,6 +283,25 @@ void describe(Io& io, Clock& clock)
 {
     io.number("milliseconds", clock.milliseconds, 0, kMaxMilliseconds);
     io.flag("set", clock.set);
+    io.number("uptime_ms", clock.uptime, 0, kMaxMilliseconds);
+}
+
+template <class Io>
+void describe(Io& io, ForeignNamespace& ns, const Drive& drive)
+{
+    if (Io::kReads) {
+        // As if the other controller had made it.
+        Namespace made;
+        made.nsid = static_cast<QRX_U8>(drive.foreign_namespaces.size());
+        made.derive_identifiers("foreign " + drive.serial);
+        ns.nguid = made.nguid;
+        ns.eui64 = made.eui64;
+        ns.sectors = std::max<QRX_U64>(drive.sectors, 1);
+    }
+    io.number("table", ns.table, 0, kAny8 - 1);
+    io.number("sectors", ns.sectors, 1, kAny64);
+    io.bytes("nguid", std::span(ns.nguid));
+    io.bytes("eui64", std::span(ns.eui64));
 }
 
 template <class Io>
@@ -297,8 +317,7 @@ void describe(Io& io, Drive& drive, const Controller& controller)
         io.check(
             std::none_of(others.begin(), others.end() - 1, [&](const Drive& other) { return other.id == drive.id; }),
             "id", "is the id of an earlier drive");
-        const unsigned ids = unsigned{controller.adapter.ports} *
-                             (controller.adapter.max_pd != 0 ? controller.adapter.max_pd : controller.adapter.ports);
+        const unsigned ids = controller.adapter.drive_ids();
         io.check(drive.id < ids, "id",
                  "is beyond the controller's ids; 'ports' times 'max_pd' allows 0 to " +
                      std::to_string(ids == 0 ? 0 : ids - 1));
@@ -314,6 +333,8 @@ void describe(Io& io, Drive& drive, const Controller& controller)
     io.number("critical_warning", drive.critical_warning, 0, kAny8);
     io.flag("failed", drive.failed);
     io.flag("importable", drive.importable);
+    io.list("foreign_namespaces", drive.foreign_namespaces, Controller::kMaxNamespaces,
+            [&](auto& inner, ForeignNamespace& ns) { describe(inner, ns, drive); });
     describe_activity(io, drive.activity);
 }
 
@@ -381,7 +402,16 @@ void describe(Io& io, VirtualDisk& vd, const Controller& controller)
     }
     io.number("sectors", vd.sectors, 0, kAny64);
     io.number("sector_size", vd.sector_size, 0, kAny16 + 1);
+    io.flag("initialized", vd.initialized);
     describe_activity(io, vd.activity);
+    const bool rebuilds = vd.activity && vd.activity->type == QRX_NVME_BGA_TYPE_VD_REBUILD;
+    if (Io::kReads && rebuilds && !vd.members.empty()) {
+        vd.rebuild_target = vd.members.back();
+    }
+    io.number("rebuild_target", vd.rebuild_target, 0, kAny16);
+    io.check(vd.rebuild_target == kMissingMember || (rebuilds && vd.uses(vd.rebuild_target)), "rebuild_target",
+             "names a drive that is no member of a virtual disk in rebuild; " + std::to_string(kMissingMember) +
+                 " stands for none");
 }
 
 struct StoredSector {
@@ -473,6 +503,11 @@ void describe(Io& io, Namespace& ns, const Controller& controller)
     io.flag("active", ns.active);
     io.flag("shared", ns.shared);
     io.number("owner", ns.owner, 0, kAny8);
+    io.numbers("elsewhere", ns.elsewhere, Controller::kHostFunctions, Controller::kHostFunctions - 1);
+    io.check(std::adjacent_find(ns.elsewhere.begin(), ns.elsewhere.end(), std::greater_equal<>()) ==
+                     ns.elsewhere.end() &&
+                 std::find(ns.elsewhere.begin(), ns.elsewhere.end(), controller.controller_id) == ns.elsewhere.end(),
+             "elsewhere", "must name other host functions than this, in order and each once");
     describe_extent(io, ns);
 }
 
@@ -531,6 +566,29 @@ void describe(Io& io, PairMailbox& mailbox)
     io.bytes("request", mailbox.request, PairMailbox::kRequestMax);
 }
 
+constexpr auto kSubjectWords = std::to_array<JsonWord>(
+    {{Event::kAdapter, "adapter"}, {Event::kPd, "pd"}, {Event::kVd, "vd"}, {Event::kNs, "ns"}});
+
+template <class Io>
+void describe(Io& io, EventList& events)
+{
+    io.number("count", events.count, 0, kAny64);
+    io.list("entries", events.entries, EventList::kEntries, [&](auto& inner, Event& event) {
+        inner.number("number", event.number, 1, kAny64);
+        inner.number("uptime_ms", event.uptime, 0, kMaxMilliseconds);
+        inner.number("time_ms", event.time, 0, kMaxMilliseconds);
+        inner.code("subject", event.subject, kSubjectWords);
+        inner.number("id", event.id, 0, kAny16);
+        inner.text("text", event.text, EventList::kTextMax);
+    });
+    const bool ordered = std::adjacent_find(events.entries.begin(), events.entries.end(),
+                                            [](const Event& left, const Event& right) {
+                                                return left.number >= right.number;
+                                            }) == events.entries.end();
+    io.check(ordered && (events.entries.empty() || events.entries.back().number <= events.count), "entries",
+             "must have rising numbers up to 'count'");
+}
+
 template <class Items, class Key>
 void sort_by(Items& items, Key key)
 {
@@ -554,6 +612,8 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
     io.list("namespaces", controller.namespaces, Controller::kMaxNamespaces,
             [&](auto& inner, Namespace& ns) { describe(inner, ns, controller); });
     io.object("mailbox", [&](auto& inner) { describe(inner, controller.mailbox); });
+    io.object("events", [&](auto& inner) { describe(inner, controller.events); });
+    io.number("namespaces_made", controller.namespaces_made, 0, kAny32);
     sort_by(controller.drives, &Drive::id);
     sort_by(controller.virtual_disks, &VirtualDisk::id);
     sort_by(controller.namespaces, &Namespace::nsid);

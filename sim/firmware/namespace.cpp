@@ -17,17 +17,26 @@ bool present(std::span<const QRX_U8> identifier)
 
 }  // namespace
 
-void Namespace::derive_identifiers(std::string_view serial)
+void Namespace::derive_identifiers(std::string_view serial, QRX_U64 generation)
 {
     // The second bit of the first byte marks an address that is administered locally: it belongs to no maker.
     static constexpr std::array<QRX_U8, 3> kOui{0x02, 0x51, 0x58};
-    const QRX_U64 hash = stable_hash(serial, nsid);
+    const QRX_U64 hash = stable_hash(serial, generation << 8 | nsid);
     std::copy(kOui.begin(), kOui.end(), eui64.begin());
     std::memcpy(eui64.data() + 3, &hash, 4);
     eui64[7] = nsid;
     nguid.fill(0);
     std::memcpy(nguid.data(), &hash, 8);
     std::copy(eui64.begin(), eui64.end(), nguid.begin() + 8);
+}
+
+std::vector<QRX_U16> Namespace::attached_to(QRX_U16 function) const
+{
+    std::vector<QRX_U16> functions = elsewhere;
+    if (active) {
+        functions.insert(std::upper_bound(functions.begin(), functions.end(), function), function);
+    }
+    return functions;
 }
 
 NVME_NS_Info Namespace::record(QRX_U8 parent_status) const

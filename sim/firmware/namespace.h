@@ -3,6 +3,7 @@
 
 #include <array>
 #include <string_view>
+#include <vector>
 
 #include "api/src/interface/wire/ns.h"
 #include "api/src/interface/wire/nvme.h"
@@ -22,14 +23,18 @@ struct Namespace {
     QRX_U32 sector_size = 512;  // bytes: 512 or 4096
     bool shared = false;        // between controllers
     QRX_U8 owner = 0;           // the controller it is private to
+    std::vector<QRX_U16> elsewhere;  // other host functions it is attached to, in order
     std::array<QRX_U8, 16> nguid{};
     std::array<QRX_U8, 8> eui64{};
     SparseStore data;
 
     friend bool operator==(const Namespace&, const Namespace&) = default;
 
-    // Gives it identifiers of its own, made from the serial number of its controller.
-    void derive_identifiers(std::string_view serial);
+    // Gives it identifiers of its own, made from the serial number of its controller and its `generation`: the
+    // how-manieth namespace of that controller it is, or 0 for one that was there from the start.
+    void derive_identifiers(std::string_view serial, QRX_U64 generation = 0);
+    // The host functions it is attached to, in order; `function` is the one that asks.
+    [[nodiscard]] std::vector<QRX_U16> attached_to(QRX_U16 function) const;
     // `parent_status`: the status code of the virtual disk it lies on, 0 on a physical disk.
     [[nodiscard]] NVME_NS_Info record(QRX_U8 parent_status) const;
     [[nodiscard]] NMIC_Data sharing() const;

@@ -1,6 +1,8 @@
 // The dispatch of standard commands; Identify, logs, features and I/O have files of their own.
 #include "sim/firmware/nvme_function.h"
 
+#include <algorithm>
+
 #include "sim/firmware/opcodes.h"
 
 namespace qrx::sim {
@@ -43,6 +45,8 @@ Completion NvmeFunction::admin(const nvme_admin_cmd& command, std::span<QRX_U8> 
         return get_features(command, data);
     case admin::kSetFeatures:
         return set_features(command, data);
+    case admin::kNamespaceAttachment:
+        return attaches_namespaces() ? attach(command, data) : complete(status::kInvalidOpcode);
     case admin::kAbort:
         return complete(status::kSuccess, 1);  // nothing is in flight: not aborted
     case admin::kAsynchronousEvent:
@@ -59,6 +63,11 @@ Completion NvmeFunction::admin(const nvme_admin_cmd& command, std::span<QRX_U8> 
 }
 
 Completion NvmeFunction::vendor_admin(const nvme_admin_cmd& /*command*/, std::span<QRX_U8> /*data*/)
+{
+    return complete(status::kInvalidOpcode);
+}
+
+Completion NvmeFunction::attach(const nvme_admin_cmd& /*command*/, std::span<const QRX_U8> /*data*/)
 {
     return complete(status::kInvalidOpcode);
 }
@@ -95,16 +104,14 @@ ControllerNode NvmeFunction::node() const
 
 void NvmeFunction::advance(Clock::Duration passed)
 {
-    clock.advance(passed);
     health.advance(passed);
-    advance_back_end(passed);
-}
-
-void NvmeFunction::set_clock(QRX_U64 milliseconds)
-{
-    const Clock::Duration passed = clock.set_to(milliseconds);
-    health.advance(passed);
-    advance_back_end(passed);
+    // Step by step, so that what starts when another thing ends has the rest of the time.
+    while (passed > Clock::Duration::zero()) {
+        const Clock::Duration step = std::min(passed, next_change());
+        clock.advance(step);
+        advance_back_end(step);
+        passed -= step;
+    }
 }
 
 void NvmeFunction::log_error(QRX_U16 queue, const nvme_admin_cmd& command, const Completion& completion, QRX_U64 lba)

@@ -83,10 +83,16 @@ protected:
     [[nodiscard]] virtual Capacity capacity() const;
     // Highest namespace id that may exist.
     [[nodiscard]] virtual QRX_U32 max_namespaces() const { return 1; }
-    // Lets time go by for all that is behind the function. Called by advance.
+    // Lets time go by for all that is behind the function. Called by advance, never for longer than next_change().
     virtual void advance_back_end(Clock::Duration /*passed*/) {}
-    // Sets the clock; what the setting says about the time gone by reaches all that depends on it.
-    void set_clock(QRX_U64 milliseconds);
+    // How long until something behind the function comes to its end.
+    [[nodiscard]] virtual Clock::Duration next_change() const { return Clock::Duration::max(); }
+    // Namespaces can be attached and detached.
+    [[nodiscard]] virtual bool attaches_namespaces() const { return false; }
+    // Namespace Attachment, if attaches_namespaces().
+    virtual Completion attach(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    // Whether what lies under the namespace can be read and written.
+    [[nodiscard]] virtual bool in_service(const Namespace& /*ns*/) const { return true; }
 
 private:
     Completion admin(const nvme_admin_cmd& command, std::span<QRX_U8> data);
@@ -94,7 +100,6 @@ private:
     Completion identify(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
     Completion identify_descriptors(QRX_U32 nsid, std::span<QRX_U8> page) const;
     Completion identify_namespaces(QRX_U32 after, bool allocated, std::span<QRX_U8> page) const;
-    Completion identify_controllers(QRX_U32 from, std::span<QRX_U8> page) const;
     [[nodiscard]] nvme_id_ctrl identify_controller() const;
     Completion get_log_page(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
     [[nodiscard]] nvme_effects_log effects_log() const;

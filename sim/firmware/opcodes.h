@@ -18,6 +18,7 @@ inline constexpr QRX_U8 kAbort = 0x08;
 inline constexpr QRX_U8 kSetFeatures = 0x09;
 inline constexpr QRX_U8 kGetFeatures = 0x0A;
 inline constexpr QRX_U8 kAsynchronousEvent = 0x0C;
+inline constexpr QRX_U8 kNamespaceAttachment = 0x15;
 }  // namespace admin
 
 namespace nvm {
@@ -35,11 +36,23 @@ inline constexpr QRX_U16 kReadAdapterConfig = 0x01E0;
 inline constexpr QRX_U16 kWriteAdapterConfig = 0x02E0;
 inline constexpr QRX_U16 kSetTime = 0x03E0;
 inline constexpr QRX_U16 kReadHbaInfo = 0x0FE0;
+inline constexpr QRX_U16 kSetDebugLevel = 0x12E0;
 inline constexpr QRX_U16 kReadPdInfo = 0x00E1;
+inline constexpr QRX_U16 kImportNsTable = 0x09E1;
 inline constexpr QRX_U16 kReadVdInfo = 0x00E2;
+inline constexpr QRX_U16 kCreateVd = 0x03E2;
+inline constexpr QRX_U16 kDeleteVd = 0x04E2;
+inline constexpr QRX_U16 kImportVd = 0x06E2;
 inline constexpr QRX_U16 kReadBgaStatus = 0x02E3;
+inline constexpr QRX_U16 kStopBga = 0x04E3;
+inline constexpr QRX_U16 kStartInitialization = 0x06E3;
+inline constexpr QRX_U16 kStartRebuild = 0x07E3;
+inline constexpr QRX_U16 kStartMediaPatrol = 0x0AE3;
 inline constexpr QRX_U16 kReadNsList = 0x00E5;
 inline constexpr QRX_U16 kReadNsListOfVd = 0x01E5;
+inline constexpr QRX_U16 kInitializeNs = 0x02E5;
+inline constexpr QRX_U16 kSetNsSharing = 0x03E5;
+inline constexpr QRX_U16 kCreateNs = 0x04E5;
 inline constexpr QRX_U16 kReadNsSharing = 0x05E5;
 }  // namespace vendor
 

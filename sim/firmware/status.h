@@ -16,6 +16,7 @@ inline constexpr QRX_U32 kInvalidField = 0x002;
 inline constexpr QRX_U32 kDataTransferError = 0x004;
 inline constexpr QRX_U32 kInvalidNamespace = 0x00B;
 inline constexpr QRX_U32 kSequenceError = 0x00C;
+inline constexpr QRX_U32 kOperationDenied = 0x015;
 inline constexpr QRX_U32 kLbaOutOfRange = 0x080;
 inline constexpr QRX_U32 kNamespaceNotReady = 0x082;
 inline constexpr QRX_U32 kInvalidQueueId = 0x101;
@@ -23,6 +24,11 @@ inline constexpr QRX_U32 kAerLimitExceeded = 0x105;
 inline constexpr QRX_U32 kInvalidLogPage = 0x109;
 inline constexpr QRX_U32 kFeatureNotSaveable = 0x10D;
 inline constexpr QRX_U32 kFeatureNotChangeable = 0x10E;
+inline constexpr QRX_U32 kNamespaceAttached = 0x118;
+inline constexpr QRX_U32 kNamespacePrivate = 0x119;
+inline constexpr QRX_U32 kNamespaceNotAttached = 0x11A;
+inline constexpr QRX_U32 kControllerListInvalid = 0x11C;
+inline constexpr QRX_U32 kInvalidControllerId = 0x11F;
 inline constexpr QRX_U32 kCompareFailure = 0x285;
 inline constexpr QRX_U32 kVendorType = 0x700;
 }  // namespace status
@@ -32,11 +38,35 @@ inline constexpr QRX_U32 kVendorType = 0x700;
 // So the probing of ids that do not exist leaves no trace in the error log.
 enum class Verdict : QRX_U8 {
     kGood = 0,
+    kFailed = 1,
     kInvalidRequest = 3,
     kInvalidParameter = 4,
     kNotSupported = 5,
     kInvalidPd = 6,
     kInvalidVd = 7,
+    kNoNamespaceSlot = 11,
+    kNamespaceAttached = 12,
+    kNotRedundant = 51,
+    kNotInitialized = 52,
+    kNotFunctional = 53,
+    kFunctional = 54,
+    kNoTable = 56,
+    kAlreadyInTable = 57,
+    kForeign = 58,
+    kPdAssigned = 59,
+    kInvalidRaidMode = 60,
+    kInvalidPdCount = 61,
+    kInvalidStripe = 62,
+    kNoId = 63,
+    kSectorSizeMismatch = 64,
+    kNamespaceSize = 65,
+    kVdBusy = 66,
+    kInvalidAction = 68,
+    kActivityRuns = 69,
+    kNoActivityRuns = 70,
+    kNoRebuildSource = 71,
+    kRebuildTargetTooSmall = 72,
+    kInvalidNamespaceCount = 74,
 };
 
 // The completion of a vendor command without data.

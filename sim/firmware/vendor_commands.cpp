@@ -1,10 +1,48 @@
 // The vendor admin commands of the controller.
+#include <algorithm>
+#include <array>
+
 #include "api/src/interface/wire/command.h"
 #include "sim/firmware/controller.h"
 #include "sim/firmware/opcodes.h"
 #include "sim/firmware/reply.h"
 
 namespace qrx::sim {
+
+namespace {
+
+const char* rate_name(QRX_U8 rate)
+{
+    switch (rate) {
+    case 0:
+        return "high";
+    case 2:
+        return "medium";
+    case 32:
+        return "low";
+    default:
+        return "what it was";
+    }
+}
+
+// The virtual disk that a create command describes.
+VirtualDiskPlan plan_of(const nvme_admin_cmd& command)
+{
+    constexpr std::array<QRX_U16, 16> kStripes{256, 512, 1024};  // by code; the other codes are none
+    constexpr QRX_U32 kNamespacesMax = 255;
+    VirtualDiskPlan plan;
+    plan.stripe = kStripes[command.cdw12 >> 16 & 0xF];
+    plan.raid_mode = static_cast<QRX_U8>(command.cdw12 >> 24);
+    for (QRX_U16 id = 0; id < 32; ++id) {
+        if ((command.cdw13 >> id & 1) != 0) {
+            plan.members.push_back(id);
+        }
+    }
+    plan.namespace_sizes.assign(std::clamp<QRX_U32>(command.cdw14, 1, kNamespacesMax), 0);
+    return plan;
+}
+
+}  // namespace
 
 Completion Controller::vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data)
 {
@@ -28,8 +66,6 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return reply_with(data, adapter.record(address));
     case vendor::kReadAdapterConfig:
         return adapter.raid() ? reply_with(data, config.record()) : reply(data, Verdict::kNotSupported);
-    case vendor::kWriteAdapterConfig:
-        return write_config(command.cdw14);
     case vendor::kSetTime:
         return set_time(command.cdw13, command.cdw14);
     case vendor::kReadHbaInfo: {
@@ -50,8 +86,48 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return read_namespaces_of(static_cast<QRX_U8>(argument), data);
     case vendor::kReadNsSharing:
         return read_sharing(argument, data);
+    default: {
+        const std::optional<Verdict> verdict = carry_out(command);
+        return verdict ? complete(*verdict) : complete(status::kInvalidField);
+    }
+    }
+}
+
+std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
+{
+    const auto argument = static_cast<QRX_U16>(command.cdw12 >> 16);
+    const auto low = static_cast<QRX_U16>(command.cdw14);
+    const auto high = static_cast<QRX_U16>(command.cdw14 >> 16);
+    switch (static_cast<QRX_U16>(command.cdw12)) {
+    case vendor::kWriteAdapterConfig:
+        return set_config(static_cast<QRX_U8>(low), static_cast<QRX_U8>(low >> 8));
+    case vendor::kSetDebugLevel:
+        return set_debug_level(argument);
+    case vendor::kImportNsTable:
+        return import_table(low, high);
+    case vendor::kCreateVd:
+        return create_vd(plan_of(command));
+    case vendor::kDeleteVd:
+        return delete_vd(argument);
+    case vendor::kImportVd:
+        return import_vd(command.cdw14);
+    case vendor::kStopBga:
+        return control_vd_activity(low, high);
+    case vendor::kStartInitialization:
+        return start_initialization(low, high);
+    case vendor::kStartRebuild:
+        return start_rebuild(low, high);
+    case vendor::kStartMediaPatrol:
+        return start_media_patrol(command.cdw14);
+    case vendor::kInitializeNs:
+        return initialize_namespaces(argument, command.cdw14);
+    case vendor::kSetNsSharing:
+        return set_sharing(argument, command.cdw14);
+    case vendor::kCreateNs:
+        return create_namespace(static_cast<QRX_U8>(argument), static_cast<QRX_U8>(argument >> 8),
+                                QRX_U64{command.cdw14} << 32 | command.cdw13);
     default:
-        return complete(status::kInvalidField);
+        return std::nullopt;
     }
 }
 
@@ -119,19 +195,46 @@ Completion Controller::read_sharing(QRX_U16 nsid, std::span<QRX_U8> data) const
     return ns != nullptr ? reply_with(data, ns->sharing()) : reply(data, Verdict::kInvalidParameter);
 }
 
-Completion Controller::write_config(QRX_U32 word)
+Verdict Controller::set_config(QRX_U8 auto_rebuild_on, QRX_U8 rate)
 {
     if (!adapter.raid()) {
-        return complete(Verdict::kNotSupported);
+        return Verdict::kNotSupported;
     }
-    return complete(config.set(static_cast<QRX_U8>(word), static_cast<QRX_U8>(word >> 8)));
+    const AdapterConfig before = config;
+    const Verdict verdict = config.set(auto_rebuild_on, rate);
+    if (verdict != Verdict::kGood) {
+        return verdict;
+    }
+    if (config.rate != before.rate) {
+        for (VirtualDisk& vd : virtual_disks) {
+            if (vd.activity) {
+                vd.activity->stretch(rate_factor(before.rate), rate_factor(config.rate));
+            }
+        }
+        tell(Event::kAdapter, 0, std::string("has its background rate set to ") + rate_name(config.rate));
+    }
+    if (config.auto_rebuild != before.auto_rebuild) {
+        tell(Event::kAdapter, 0, std::string("has auto rebuild switched ") + (config.auto_rebuild == 1 ? "on" : "off"));
+        auto_rebuild();
+    }
+    return verdict;
+}
+
+Verdict Controller::set_debug_level(QRX_U16 level)
+{
+    if (level > 1) {
+        return Verdict::kInvalidParameter;
+    }
+    settings.errors_only = level == 1;
+    tell(Event::kAdapter, 0, std::string("has its debug level set to ") + (level == 1 ? "error only" : "normal"));
+    return Verdict::kGood;
 }
 
 Completion Controller::set_time(QRX_U32 high, QRX_U32 low)
 {
     // Bits 47 to 32 stand below bits 31 to 16 in the first word; the last 16 bits have the second one.
     const QRX_U64 seconds = QRX_U64{high & 0xFFFF} << 32 | QRX_U64{high >> 16} << 16 | (low & 0xFFFF);
-    set_clock(seconds * 1000);
+    clock.set_to(seconds * 1000);
     return complete(Verdict::kGood);
 }
 

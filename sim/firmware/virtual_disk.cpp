@@ -52,18 +52,24 @@ NVME_BGA_STATUS VirtualDisk::activity_record() const
     return record;
 }
 
-void VirtualDisk::advance(Clock::Duration passed)
+bool VirtualDisk::online() const
 {
-    if (!activity) {
-        return;
+    switch (status) {
+    case kVdDeleted:
+    case kVdMissing:
+    case kVdOffline:
+    case kVdForeign:
+    case kVdImportable:
+    case kVdNotImportable:
+        return false;
+    default:
+        return true;
     }
-    activity->advance(passed);
-    if (activity->finished()) {
-        activity.reset();
-        if (status == kVdInitialization || status == kVdRebuilding) {
-            status = kVdFunctional;
-        }
-    }
+}
+
+bool VirtualDisk::foreign() const
+{
+    return importable || status == kVdForeign || status == kVdImportable || status == kVdNotImportable;
 }
 
 QRX_U64 usable_sectors(QRX_U8 raid_mode, QRX_U64 members, QRX_U8 parity_disks, QRX_U64 share)

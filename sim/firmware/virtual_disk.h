@@ -23,6 +23,9 @@ struct VirtualDisk {
     QRX_U16 stripe = 256;  // sectors of 512 bytes
     QRX_U64 sectors = 0;
     QRX_U32 sector_size = 512;  // bytes, 0 unknown
+    bool initialized = true;    // its redundancy has been written once over its whole length
+    // The member that a rebuild is writing, and that holds no data before its end; kMissingMember without a rebuild.
+    QRX_U16 rebuild_target = kMissingMember;
     std::optional<BackgroundActivity> activity;
 
     friend bool operator==(const VirtualDisk&, const VirtualDisk&) = default;
@@ -34,8 +37,10 @@ struct VirtualDisk {
     [[nodiscard]] NVME_VD_Config config() const;
     // The record of its background activity; of type and status "none" when there is none.
     [[nodiscard]] NVME_BGA_STATUS activity_record() const;
-    // Lets time go by: an activity that ends leaves an initialized or rebuilt virtual disk functional.
-    void advance(Clock::Duration passed);
+    // It is ours, and its data can be read and written.
+    [[nodiscard]] bool online() const;
+    // It carries the configuration of another controller.
+    [[nodiscard]] bool foreign() const;
 };
 
 // The sectors that a RAID set of `members` equal shares of `share` sectors offers.
