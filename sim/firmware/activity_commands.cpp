@@ -48,8 +48,8 @@ Verdict control(std::optional<BackgroundActivity>& activity, QRX_U16 operation)
         return Verdict::kActivityRuns;
     }
     if (operation != QRX_NVME_BGA_OPERATION_ABORT) {
-        activity->state = operation == QRX_NVME_BGA_OPERATION_PAUSE ? QRX_NVME_BGA_STATUS_PAUSE
-                                                                    : QRX_NVME_BGA_STATUS_RUNNING;
+        activity->state =
+            operation == QRX_NVME_BGA_OPERATION_PAUSE ? QRX_NVME_BGA_STATUS_PAUSE : QRX_NVME_BGA_STATUS_RUNNING;
     }
     return Verdict::kGood;
 }
@@ -114,8 +114,8 @@ void Controller::update_health()
     const bool impaired = std::any_of(virtual_disks.begin(), virtual_disks.end(), [](const VirtualDisk& vd) {
         return vd.status == kVdDegrade || vd.status == kVdRebuilding || vd.status == kVdOffline;
     });
-    health.critical_warning = static_cast<QRX_U8>((health.critical_warning & ~kReliabilityDegraded) |
-                                                  (impaired ? kReliabilityDegraded : 0));
+    health.critical_warning =
+        static_cast<QRX_U8>((health.critical_warning & ~kReliabilityDegraded) | (impaired ? kReliabilityDegraded : 0));
 }
 
 void Controller::start_activity(VirtualDisk& vd, QRX_U8 type)
@@ -244,9 +244,8 @@ Verdict Controller::start_drive_patrol(QRX_U32 pd)
     if (drive->failed) {
         return Verdict::kFailed;
     }
-    const bool busy = std::any_of(virtual_disks.begin(), virtual_disks.end(), [&](const VirtualDisk& vd) {
-        return vd.uses(drive->id) && vd.activity;
-    });
+    const bool busy = std::any_of(virtual_disks.begin(), virtual_disks.end(),
+                                  [&](const VirtualDisk& vd) { return vd.uses(drive->id) && vd.activity; });
     if (busy || drive->activity) {
         return Verdict::kActivityRuns;
     }
@@ -322,7 +321,8 @@ void Controller::finish_activity(VirtualDisk& vd)
         break;
     case QRX_NVME_BGA_TYPE_VD_REBUILD:
         tell(Event::kVd, vd.id,
-             vd.rebuild_target == kMissingMember ? "rebuild done" : "rebuild onto " + pd_name(vd.rebuild_target) + " done");
+             vd.rebuild_target == kMissingMember ? "rebuild done"
+                                                 : "rebuild onto " + pd_name(vd.rebuild_target) + " done");
         vd.rebuild_target = kMissingMember;
         update_status(vd);
         auto_rebuild();

@@ -28,7 +28,8 @@ Failure no_such_drive(const Controller& controller, QRX_U32 id)
     for (const Drive& drive : controller.drives) {
         ids += (ids.empty() ? "" : ", ") + std::to_string(drive.id);
     }
-    return {"there is no drive " + std::to_string(id) + (ids.empty() ? "; there are none at all" : "; there are " + ids)};
+    return {"there is no drive " + std::to_string(id) +
+            (ids.empty() ? "; there are none at all" : "; there are " + ids)};
 }
 
 }  // namespace

@@ -504,10 +504,10 @@ void describe(Io& io, Namespace& ns, const Controller& controller)
     io.flag("shared", ns.shared);
     io.number("owner", ns.owner, 0, kAny8);
     io.numbers("elsewhere", ns.elsewhere, Controller::kHostFunctions, Controller::kHostFunctions - 1);
-    io.check(std::adjacent_find(ns.elsewhere.begin(), ns.elsewhere.end(), std::greater_equal<>()) ==
-                     ns.elsewhere.end() &&
-                 std::find(ns.elsewhere.begin(), ns.elsewhere.end(), controller.controller_id) == ns.elsewhere.end(),
-             "elsewhere", "must name other host functions than this, in order and each once");
+    io.check(
+        std::adjacent_find(ns.elsewhere.begin(), ns.elsewhere.end(), std::greater_equal<>()) == ns.elsewhere.end() &&
+            std::find(ns.elsewhere.begin(), ns.elsewhere.end(), controller.controller_id) == ns.elsewhere.end(),
+        "elsewhere", "must name other host functions than this, in order and each once");
     describe_extent(io, ns);
 }
 
@@ -566,8 +566,8 @@ void describe(Io& io, PairMailbox& mailbox)
     io.bytes("request", mailbox.request, PairMailbox::kRequestMax);
 }
 
-constexpr auto kSubjectWords = std::to_array<JsonWord>(
-    {{Event::kAdapter, "adapter"}, {Event::kPd, "pd"}, {Event::kVd, "vd"}, {Event::kNs, "ns"}});
+constexpr auto kSubjectWords =
+    std::to_array<JsonWord>({{Event::kAdapter, "adapter"}, {Event::kPd, "pd"}, {Event::kVd, "vd"}, {Event::kNs, "ns"}});
 
 template <class Io>
 void describe(Io& io, EventList& events)
@@ -581,10 +581,10 @@ void describe(Io& io, EventList& events)
         inner.number("id", event.id, 0, kAny16);
         inner.text("text", event.text, EventList::kTextMax);
     });
-    const bool ordered = std::adjacent_find(events.entries.begin(), events.entries.end(),
-                                            [](const Event& left, const Event& right) {
-                                                return left.number >= right.number;
-                                            }) == events.entries.end();
+    const bool ordered =
+        std::adjacent_find(events.entries.begin(), events.entries.end(), [](const Event& left, const Event& right) {
+            return left.number >= right.number;
+        }) == events.entries.end();
     io.check(ordered && (events.entries.empty() || events.entries.back().number <= events.count), "entries",
              "must have rising numbers up to 'count'");
 }

@@ -20,9 +20,9 @@ struct Namespace {
     bool waiting = false;  // for its attachment to the host
     bool active = true;    // attached
     QRX_U64 sectors = 0;
-    QRX_U32 sector_size = 512;  // bytes: 512 or 4096
-    bool shared = false;        // between controllers
-    QRX_U8 owner = 0;           // the controller it is private to
+    QRX_U32 sector_size = 512;       // bytes: 512 or 4096
+    bool shared = false;             // between controllers
+    QRX_U8 owner = 0;                // the controller it is private to
     std::vector<QRX_U16> elsewhere;  // other host functions it is attached to, in order
     std::array<QRX_U8, 16> nguid{};
     std::array<QRX_U8, 8> eui64{};

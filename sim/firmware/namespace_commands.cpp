@@ -260,7 +260,8 @@ Completion Controller::attach(const nvme_admin_cmd& command, std::span<const QRX
         text += (text.empty() ? "" : ", ") + std::to_string(id);
     }
     ns->waiting = ns->waiting && operation != kAttach;
-    tell(Event::kNs, ns->nsid, (operation == kAttach ? "attached to host function " : "detached from host function ") + text);
+    tell(Event::kNs, ns->nsid,
+         (operation == kAttach ? "attached to host function " : "detached from host function ") + text);
     return complete(status::kSuccess);
 }
 

@@ -302,6 +302,92 @@ constexpr std::string_view kGallery = R"json({
 }
 )json";
 
+constexpr std::string_view kLab = R"json({
+  "mount_table": [
+    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
+    "/dev/sda2 / ext4 rw,relatime 0 0",
+    "/dev/sda1 /boot vfat rw,relatime 0 0"
+  ],
+  "controllers": [
+    {
+      "number": 0,
+      "config": {"auto_rebuild": 0, "rate": "high"},
+      "adapter": {
+        "ports": 16, "max_pd_per_vd": 8,
+        "raid_modes": ["raid0", "raid1", "jbod", "raid10", "raid5", "raid50", "raid6", "raid60"]
+      },
+      "drives": [
+        {"id": 0}, {"id": 1}, {"id": 2}, {"id": 3}, {"id": 4}, {"id": 5}, {"id": 6}, {"id": 7}, {"id": 8},
+        {"id": 9, "model": "QRX Lab SSD 480GB", "sectors": 937703088},
+        {"id": 10, "sector_size": 4096, "sectors": 234423126},
+        {"id": 11, "failed": true, "critical_warning": 4}
+      ]
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kImportable = R"json({
+  "mount_table": [
+    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
+    "/dev/sda2 / ext4 rw,relatime 0 0",
+    "/dev/sda1 /boot vfat rw,relatime 0 0"
+  ],
+  "controllers": [
+    {
+      "number": 0,
+      "adapter": {"ports": 8},
+      "drives": [
+        {"id": 0}, {"id": 1}, {"id": 2, "importable": true}, {"id": 3, "importable": true}, {"id": 4}
+      ],
+      "virtual_disks": [
+        {"id": 0, "raid_mode": "raid1", "members": [0, 1]},
+        {"id": 1, "name": "FROM_ELSEWHERE", "raid_mode": "raid1", "status": "importable", "importable": true,
+          "members": [2, 3]},
+        {"id": 2, "raid_mode": "jbod", "status": "foreign", "members": [4]}
+      ],
+      "namespaces": [
+        {"nsid": 1, "parent_id": 0},
+        {"nsid": 2, "parent_id": 1, "valid": false, "active": false, "shared": true}
+      ]
+    },
+    {
+      "number": 1,
+      "adapter": {"features": ["import", "namespace", "dump", "nmic"], "sku": "D", "max_ns_per_vd": 8},
+      "drives": [
+        {"id": 0},
+        {"id": 1, "importable": true, "foreign_namespaces": [
+          {"table": 0, "sectors": 937692504}, {"table": 0, "sectors": 468846252}, {"table": 1, "sectors": 468846252}
+        ]},
+        {"id": 2, "foreign_namespaces": [{"table": 0}]},
+        {"id": 3}
+      ],
+      "namespaces": [{"nsid": 1, "parent_id": 0}]
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kBoot = R"json({
+  "mount_table": [
+    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
+    "/dev/nvme0n1p2 / ext4 rw,relatime 0 0",
+    "/dev/nvme0n1p1 /boot vfat rw,relatime 0 0"
+  ],
+  "controllers": [
+    {
+      "number": 0,
+      "drives": [{"id": 0}, {"id": 1}, {"id": 2}, {"id": 3}],
+      "virtual_disks": [
+        {"id": 0, "raid_mode": "raid1", "members": [0, 1]},
+        {"id": 1, "raid_mode": "jbod", "members": [2]}
+      ],
+      "namespaces": [{"nsid": 1, "parent_id": 0}, {"nsid": 2, "parent_id": 1}]
+    }
+  ]
+}
+)json";
+
 constexpr auto kScenarios = std::to_array<Scenario>({
     {"raid", "one controller, four drives, a RAID1 and a JBOD virtual disk with a namespace each, one drive free",
      kRaid},
@@ -311,6 +397,12 @@ constexpr auto kScenarios = std::to_array<Scenario>({
     {"empty", "a controller with no drives", kEmpty},
     {"foreign", "an SSD of another maker at /dev/nvme0, with /boot on it, and the controller at /dev/nvme1", kForeign},
     {"sriov", "virtual functions are visible, some of them past function 7", kSriov},
+    {"lab",
+     "no virtual disk yet, every RAID mode, twelve drives: nine alike, one smaller, one of 4K sectors, one failed",
+     kLab},
+    {"importable", "a foreign virtual disk at /dev/nvme0, foreign namespace tables at /dev/nvme1 without RAID",
+     kImportable},
+    {"boot", "the first of two virtual disks holds /boot, at /dev/nvme0n1p1", kBoot},
     {"none", "no controller at all", kNone},
     {"gallery", "four controllers that show what the others do not: every status, mode, activity and limit", kGallery},
 });

@@ -12,7 +12,6 @@
 #include <thread>
 #include <utility>
 
-#include "sim/firmware/decorator.h"
 #include "sim/firmware/factory.h"
 #include "sim/firmware/tracer.h"
 #include "sim/launcher/files.h"
@@ -62,16 +61,6 @@ std::unique_ptr<Machine> make_from_scenario(const std::string& name)
     fail("--scenario: '" + name + "' " + reason + "; the scenarios are " + names);
 }
 
-// Another mount table than the machine's own.
-class MountTable : public Decorator {
-public:
-    MountTable(Host& inner, std::string text) : Decorator(inner), text_(std::move(text)) {}
-    [[nodiscard]] std::string mount_table() const override { return text_; }
-
-private:
-    std::string text_;
-};
-
 // A file of which the program inherits nothing.
 class TraceFile {
 public:
@@ -94,7 +83,8 @@ private:
 // The machine first, then what stands in front of it, the outermost last.
 struct MachineSetup::Layers {
     std::unique_ptr<Machine> machine;
-    std::optional<MountTable> mounts;
+    std::optional<std::string> given_mounts;  // by --mtab, in place of
+    std::string own_mounts;
     std::optional<FaultInjector> faults;
     std::optional<TraceFile> trace_file;
     std::optional<Tracer> tracer;
@@ -120,7 +110,9 @@ MachineSetup::MachineSetup(const Options& options)
         if (!text) {
             fail("--mtab: cannot read '" + options.mount_table + "': " + std::strerror(errno));
         }
-        layers.front = &layers.mounts.emplace(*layers.front, *std::move(text));
+        layers.own_mounts = layers.machine->mount_table();
+        layers.given_mounts = *text;
+        layers.machine->set_mount_table(*std::move(text));
     }
     if (!options.faults.empty()) {
         layers.front = &layers.faults.emplace(
@@ -139,9 +131,28 @@ Host& MachineSetup::host()
     return *layers_->front;
 }
 
+Machine& MachineSetup::machine()
+{
+    return *layers_->machine;
+}
+
 void MachineSetup::save() const
 {
-    if (!state_file_.empty() && !replace_file(state_file_, save_machine(*layers_->machine))) {
+    if (state_file_.empty()) {
+        return;
+    }
+    Machine& machine = *layers_->machine;
+    const bool given = layers_->given_mounts && machine.mount_table() == *layers_->given_mounts;
+    if (given) {
+        machine.set_mount_table(layers_->own_mounts);  // the state remembers the machine, not the options of one run
+    }
+    const bool written = replace_file(state_file_, save_machine(machine));
+    const int error = errno;
+    if (given) {
+        machine.set_mount_table(*layers_->given_mounts);
+    }
+    errno = error;
+    if (!written) {
         fail("--state: cannot write '" + state_file_ + "': " + std::strerror(errno));
     }
 }

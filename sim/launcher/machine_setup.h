@@ -19,6 +19,8 @@ public:
     ~MachineSetup();
 
     [[nodiscard]] Host& host();
+    // What lies behind all that stands in front of it.
+    [[nodiscard]] Machine& machine();
     // Writes the state file, if there is to be one. Throws as well.
     void save() const;
 

@@ -6,6 +6,8 @@
 #include <span>
 
 #include "sim/firmware/factory.h"
+#include "sim/launcher/control_client.h"
+#include "sim/launcher/control_socket.h"
 #include "sim/launcher/machine_setup.h"
 #include "sim/launcher/options.h"
 #include "sim/launcher/program.h"
@@ -24,7 +26,9 @@ void list_scenarios()
 int run(const Options& options)
 {
     MachineSetup setup(options);
-    const int value = run_program(setup.host(), options.program);
+    ControlSocket control(setup.machine(), options.control, options.clock_runs);
+    const int value = run_program(setup.host(), options.program, &control);
+    control.tick();
     setup.save();
     return value;
 }
@@ -49,6 +53,8 @@ try {
     case Options::Action::version:
         std::cout << "qrx_sim " QRX_VERSION "\n";
         break;
+    case Options::Action::control:
+        return run_control(*options);
     case Options::Action::run:
         return run(*options);
     }

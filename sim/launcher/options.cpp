@@ -28,6 +28,15 @@ std::optional<Failure> store_transport(Options& options, std::string_view value)
     return Failure{"--transport: '" + std::string(value) + "' is none of auto, seccomp, preload"};
 }
 
+std::optional<Failure> store_clock(Options& options, std::string_view value)
+{
+    if (value != "running" && value != "stopped") {
+        return Failure{"--clock: '" + std::string(value) + "' is none of running, stopped"};
+    }
+    options.clock_runs = value == "running";
+    return std::nullopt;
+}
+
 std::optional<Failure> store_fault(Options& options, std::string_view value)
 {
     Result<Fault> fault = parse_fault(value);
@@ -52,13 +61,15 @@ std::optional<Failure> store_action(Options& options, std::string_view)
     return std::nullopt;
 }
 
-constexpr std::array<Row, 10> kRows = {{
+constexpr std::array<Row, 12> kRows = {{
     {"--scenario", "<name|file>", store_text<&Options::scenario>},
     {"--state", "<file>", store_text<&Options::state_file>},
     {"--trace", "<file>", store_text<&Options::trace_file>},
     {"--mtab", "<file>", store_text<&Options::mount_table>},
     {"--fault", "<what>", store_fault},
     {"--transport", "<auto|seccomp|preload>", store_transport},
+    {"--clock", "<running|stopped>", store_clock},
+    {"--control", "<socket>", store_text<&Options::control>},
     {"--verbose", "",
      [](Options& options, std::string_view) {
          options.program.verbose = true;
@@ -94,10 +105,12 @@ Result<Options> parse_options(std::span<const char* const> words)
 {
     Options options;
     std::size_t at = 0;
+    bool program_follows = false;  // "--" was there: what follows is a program, whatever it is called
     for (; at < words.size() && words[at][0] == '-'; ++at) {
         const std::string_view word = words[at];
         if (word == "--") {
             ++at;
+            program_follows = true;
             break;
         }
         const std::size_t equals = word.find('=');
@@ -125,6 +138,11 @@ Result<Options> parse_options(std::span<const char* const> words)
             return *std::move(failure);
         }
     }
+    if (options.action == Options::Action::run && !program_follows && at < words.size() &&
+        std::string_view(words[at]) == "ctl") {
+        options.action = Options::Action::control;
+        ++at;
+    }
     for (const char* const word : words.subspan(at)) {
         options.program.command.emplace_back(word);
     }
@@ -138,6 +156,7 @@ Result<Options> parse_options(std::span<const char* const> words)
 std::string_view usage()
 {
     return R"(Usage: qrx_sim [options] -- <program> [arguments]
+       qrx_sim ctl <command>
 
 Runs a program on a machine with a simulated RAID controller. The program, and every program that it starts, finds
 the controller at /dev/nvme0, under /sys and in the SMBIOS tables; everything else is the real machine's.
@@ -148,6 +167,8 @@ the controller at /dev/nvme0, under /sys and in the SMBIOS tables; everything el
   --fault <what>           make commands fail, such as nth=3,status=0x706; may be given more than once
   --mtab <file>            the mount table that programs find at /etc/mtab
   --transport <way>        how programs reach the machine: seccomp, preload, or auto (default: the first that works)
+  --clock <how>            simulated time: running as the real one does (default), or stopped but for 'ctl advance'
+  --control <socket>       where 'qrx_sim ctl' of another terminal reaches this machine
   --verbose                say which way is taken
   --list-scenarios         list the machines that can be simulated
   --version                print the version
@@ -156,6 +177,7 @@ the controller at /dev/nvme0, under /sys and in the SMBIOS tables; everything el
   qrx_sim -- qrx_cli info -o hba                   one command
   qrx_sim --scenario jbof -- bash                  a shell on the simulated machine
   qrx_sim --state lab.json -- qrx_cli              the tool's own shell, with a machine that remembers
+  qrx_sim ctl fail-drive 1                         in a program under qrx_sim: what happens in the lab; 'ctl help'
 
 Exit value: the program's own; 128 + signal when it was killed; 127 when it was not found, 126 when it could not be
 run, 125 for a failure of qrx_sim itself.

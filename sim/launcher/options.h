@@ -13,15 +13,17 @@
 namespace qrx::sim {
 
 struct Options {
-    enum class Action { run, help, list_scenarios, version };
+    enum class Action { run, control, help, list_scenarios, version };
 
     Action action = Action::run;
     std::string scenario;     // name or file; empty: the default
     std::string state_file;   // empty: none
     std::string trace_file;   // empty: none
     std::string mount_table;  // file; empty: the scenario's own
+    std::string control;      // socket for `qrx_sim ctl`; empty: a place of its own
+    bool clock_runs = true;   // simulated time follows the real one
     std::vector<Fault> faults;
-    ProgramOptions program;
+    ProgramOptions program;  // for `ctl` its command is the words behind "ctl"
 };
 
 // Reads the words behind the program's name. A failure says what is wrong and what is allowed.

@@ -103,8 +103,8 @@ int exit_value(int status)
 // The child from its end seen from the parent.
 class Running {
 public:
-    Running(pid_t child, Channel& channel, const BlockedSignals& signals)
-        : child_(child), channel_(channel), signals_(signals)
+    Running(pid_t child, Channel& channel, const BlockedSignals& signals, CallServer& server, Attendant* attendant)
+        : child_(child), channel_(channel), signals_(signals), server_(server), attendant_(attendant)
     {
     }
 
@@ -134,9 +134,18 @@ private:
             const auto left = std::chrono::duration_cast<milliseconds>(*until - Clock::now()).count();
             timeout = left > 0 ? static_cast<int>(left) + 1 : 0;
         }
-        std::array<pollfd, 2> waits = {{{channel_.descriptor(), POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}}};
+        std::array<pollfd, 3> waits = {{{channel_.descriptor(), POLLIN, 0},
+                                        {signals_.descriptor(), POLLIN, 0},
+                                        {attendant_ == nullptr ? -1 : attendant_->descriptor(), POLLIN, 0}}};
         if (poll(waits.data(), waits.size(), timeout) <= 0) {
             return;
+        }
+        if (attendant_ != nullptr) {
+            attendant_->tick();
+        }
+        if (waits[2].revents != 0) {
+            attendant_->serve();
+            server_.machine_changed();
         }
         if ((waits[0].revents & POLLIN) != 0) {
             channel_.serve();
@@ -169,6 +178,8 @@ private:
     pid_t child_;
     Channel& channel_;
     const BlockedSignals& signals_;
+    CallServer& server_;
+    Attendant* attendant_;  // may be null
     std::optional<int> status_;
     std::optional<Clock::time_point> kill_at_;
 };
@@ -201,7 +212,7 @@ Transport choose(const ProgramOptions& options)
     return Transport::preload;
 }
 
-int start_and_serve(Host& host, const ProgramOptions& options)
+int start_and_serve(Host& host, const ProgramOptions& options, Attendant* attendant)
 {
     const Transport transport = choose(options);
     CallServer server(host);
@@ -246,7 +257,7 @@ int start_and_serve(Host& host, const ProgramOptions& options)
         }
         channel = std::make_unique<SeccompChannel>(std::move(received.fd), server);
     }
-    const int status = Running(child, *channel, signals).serve();
+    const int status = Running(child, *channel, signals, server, attendant).serve();
     if (receive_with_descriptor(ours.get(), bytes_of(report)).length == static_cast<long>(sizeof report)) {
         complain("cannot run '" + options.command[0] + "': " + std::strerror(report.error));
     }
@@ -255,10 +266,10 @@ int start_and_serve(Host& host, const ProgramOptions& options)
 
 }  // namespace
 
-int run_program(Host& host, const ProgramOptions& options)
+int run_program(Host& host, const ProgramOptions& options, Attendant* attendant)
 {
     try {
-        return start_and_serve(host, options);
+        return start_and_serve(host, options, attendant);
     } catch (const std::exception& failure) {
         complain(failure.what());
         return kExitOwnFailure;

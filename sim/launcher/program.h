@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "sim/firmware/host.h"
+#include "sim/launcher/attendant.h"
 
 namespace qrx::sim {
 
@@ -23,7 +24,7 @@ inline constexpr int kExitNotFound = 127;
 
 // Runs the program to its end. Its exit value, 128 + signal when it was killed, or one of the above, with a message on
 // standard error. SIGTERM and SIGHUP are passed on to the program, which is killed if it does not end upon it; SIGINT
-// and SIGQUIT are left to it.
-[[nodiscard]] int run_program(Host& host, const ProgramOptions& options);
+// and SIGQUIT are left to it. An attendant has its turn between calls.
+[[nodiscard]] int run_program(Host& host, const ProgramOptions& options, Attendant* attendant = nullptr);
 
 }  // namespace qrx::sim

@@ -46,6 +46,8 @@ public:
     explicit CallServer(Host& host);
 
     [[nodiscard]] Reply answer(const Call& call);
+    // Tells that the machine may have changed otherwise than by a command.
+    void machine_changed() { commands_ran_ = true; }
     [[nodiscard]] const PrivateTree& tree() const { return tree_; }
 
 private:
