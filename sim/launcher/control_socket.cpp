@@ -132,10 +132,10 @@ ControlSocket::ControlSocket(Machine& machine, const std::string& path, bool clo
     }
     const Result<sockaddr_un> address = address_of(path_);
     if (!address) {
-        fail(path_, address.error());
+        fail(path, address.error());
     }
     if (connect_to(*address)) {
-        fail(path_, "another simulator answers there");
+        fail(path, "another simulator answers there");
     }
     std::error_code ignored;
     if (errno == ECONNREFUSED && fs::is_socket(path_, ignored)) {
@@ -152,7 +152,7 @@ ControlSocket::ControlSocket(Machine& machine, const std::string& path, bool clo
         if (!directory_.empty()) {
             (void)fs::remove_all(directory_, ignored);
         }
-        fail(path_, why);
+        fail(path.empty() ? path_ : path, why);
     }
     (void)setenv(kControlVariable, path_.c_str(), 1);
 }

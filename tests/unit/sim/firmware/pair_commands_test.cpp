@@ -255,6 +255,140 @@ TEST_F(Pair, ARequestThatWaitsSurvivesSavingAndLoading)
     EXPECT_EQ(rig_.bytes(0, 24), envelope(0) + answered(0, 1, 1, 1));
 }
 
+// The bytes of a record.
+template <class Record>
+std::vector<QRX_U8> bytes_of(const Record& record)
+{
+    std::vector<QRX_U8> bytes(sizeof(record));
+    std::memcpy(bytes.data(), &record, sizeof(record));
+    return bytes;
+}
+
+class PairStorage : public Pair {
+public:
+    PairStorage() { rig_ = Rig("lab"); }
+
+    static NVME_Create_VD request(QRX_U8 mode, std::initializer_list<QRX_U16> members)
+    {
+        NVME_Create_VD create{};
+        create.RAIDMode = mode;
+        create.MemberCount = static_cast<QRX_U8>(members.size());
+        create.StripeBlockSize = 512;
+        std::copy(members.begin(), members.end(), std::begin(create.PDIDs));
+        return create;
+    }
+    const VirtualDisk& vd() const { return rig_.controller().virtual_disks.at(0); }
+};
+
+TEST_F(PairStorage, CreateTakesNameAndNamespaceSizes)
+{
+    auto create = request(1, {3, 1});
+    std::memcpy(create.Name, "SIXTEEN_LETTERS_", 16);
+    create.NSCount = 3;
+    create.NSSize[0] = 1000;
+    create.NSSize[1] = 0;
+    create.NSSize[2] = 8;
+    ask({226, 3}, 0, bytes_of(create));
+    EXPECT_EQ(vd().name, "SIXTEEN_LETTERS_");
+    EXPECT_EQ(vd().stripe, 512);
+    EXPECT_EQ(vd().members, (std::vector<QRX_U16>{3, 1}));
+    const auto& made = rig_.controller().namespaces;
+    ASSERT_EQ(made.size(), 3U);
+    EXPECT_EQ(made[0].sectors, 1000U);
+    EXPECT_EQ(made[1].sectors, 1875385008U - 1008);
+    EXPECT_EQ(made[2].sectors, 8U);
+}
+
+TEST_F(PairStorage, QueryTellsTheSizeAndMakesNothing)
+{
+    auto create = request(0, {0, 1});
+    create.QueryLDSize = 1;
+    ask({226, 3}, 0, bytes_of(create));
+    const auto answer = rig_.at<NVME_PreCreate_VD>(8);
+    EXPECT_EQ(answer.SectorSize, 512U);
+    EXPECT_EQ(answer.LBA, 2U * 1875385008);
+    EXPECT_TRUE(rig_.controller().virtual_disks.empty());
+}
+
+TEST_F(PairStorage, CreateIsRefused)
+{
+    ask({226, 3}, 61, bytes_of(request(1, {0})));
+    ask({226, 3}, 59, bytes_of(request(1, {0, 0})));
+    ask({226, 3}, 3, std::span(bytes_of(request(1, {0, 1}))).first(623));
+    auto create = request(1, {0, 1});
+    create.MemberCount = 33;
+    ask({226, 3}, 61, bytes_of(create));
+    create = request(1, {0, 1});
+    create.NSCount = 65;
+    ask({226, 3}, 74, bytes_of(create));
+    create.NSCount = 1;
+    create.NSSize[0] = 1875385009;
+    ask({226, 3}, 65, bytes_of(create));
+    create = request(1, {0, 1});
+    create.Name[0] = 7;
+    ask({226, 3}, 4, bytes_of(create));
+    EXPECT_TRUE(rig_.controller().virtual_disks.empty());
+}
+
+TEST_F(PairStorage, LifeOfAVirtualDisk)
+{
+    ask({226, 3}, 0, bytes_of(request(1, {0, 1})));
+    ask({227, 10}, 52, bytes_of(NVME_VD_MP{}));
+    NVME_VD_Init init{};
+    init.Init_Type = 2;
+    ask({227, 6}, 0, bytes_of(init));
+    ask({227, 6}, 69, bytes_of(init));
+    ask({226, 4}, 66, bytes_of(NVME_VD_Delete{}));
+    ask({227, 4, 1}, 0, list(0, 1));
+    ask({227, 4, 9}, 68, list(0, 1));
+    ask({227, 4, 2}, 0, list(0, 1));
+    rig_.machine().advance(std::chrono::hours(1));
+    ask({227, 10}, 0, bytes_of(NVME_VD_MP{}));
+    ask({227, 4, 3}, 0, list(0, 1));
+    ask({227, 4, 3}, 70, list(0, 1));
+    EXPECT_FALSE(rig_.machine().controller(0)->fail_drive(0));
+    ask({227, 7}, 0, bytes_of(NVME_Rebuild{0, 2, {}}));
+    EXPECT_EQ(vd().members, (std::vector<QRX_U16>{2, 1}));
+    rig_.machine().advance(std::chrono::hours(1));
+    std::array<QRX_U8, 40> config{};
+    config[6] = 1;
+    std::memcpy(config.data() + 24, "RENAMED", 7);
+    ask({226, 2}, 0, config);
+    EXPECT_EQ(vd().name, "RENAMED");
+    config[16] = 9;
+    ask({226, 2}, 7, config);
+    ask({226, 4}, 0, bytes_of(NVME_VD_Delete{}));
+    ask({226, 4}, 7, bytes_of(NVME_VD_Delete{}));
+}
+
+TEST_F(PairStorage, MediaPatrolOfADrive)
+{
+    ask({227, 5}, 0, bytes_of(NVME_PD_MP{}));
+    ask({227, 5}, 69, bytes_of(NVME_PD_MP{}));
+    ask({226, 3}, 69, bytes_of(request(1, {0, 1})));
+    ask({227, 3, 3}, 0, list(0, 1));
+    ask({227, 3, 3}, 70, list(0, 1));
+    ask({227, 3, 3}, 6, list(30, 1));
+    NVME_PD_MP failed{};
+    failed.PDID = 11;
+    ask({227, 5}, 1, bytes_of(failed));
+}
+
+TEST_F(PairStorage, Import)
+{
+    rig_ = Rig("importable");
+    ask({226, 6}, 0, list(1, 1));
+    ask({226, 6}, 57, list(1, 1));
+    ask({226, 6}, 58, list(2, 1));
+    ask({225, 9}, 5, list(1, 1));
+}
+
+TEST_F(PairStorage, SynchronizationAndMigrationAreNotSupported)
+{
+    ask({227, 8}, 5, bytes_of(NVME_VD_Sync{}));
+    ask({227, 9}, 5, bytes_of(NVME_Migrate{}));
+}
+
 }  // namespace
 
 }  // namespace qrx::sim

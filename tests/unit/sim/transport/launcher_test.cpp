@@ -43,12 +43,27 @@ TEST(Options, AllAreRead)
     EXPECT_THAT(options->program.command, ElementsAre("prog", "--scenario", "x"));
 }
 
+TEST(Options, CtlIsACommandUnlessAProgramIsMeant)
+{
+    const Result<Options> control = parse({"--clock=stopped", "--control", "s", "ctl", "advance", "5m"});
+    ASSERT_TRUE(control) << control.error();
+    EXPECT_EQ(control->action, Options::Action::control);
+    EXPECT_FALSE(control->clock_runs);
+    EXPECT_EQ(control->control, "s");
+    EXPECT_THAT(control->program.command, ElementsAre("advance", "5m"));
+    const Result<Options> program = parse({"--", "ctl"});
+    ASSERT_TRUE(program) << program.error();
+    EXPECT_EQ(program->action, Options::Action::run);
+    EXPECT_TRUE(program->clock_runs);
+}
+
 TEST(Options, WhatIsWrongIsSaidWithWhatIsAllowed)
 {
+    EXPECT_EQ(parse({"--clock", "backwards", "x"}).error(), "--clock: 'backwards' is none of running, stopped");
     EXPECT_EQ(
         parse({"--bogus", "--", "x"}).error(),
-        "unknown option '--bogus'; known are --scenario, --state, --trace, --mtab, --fault, --transport, --verbose, "
-        "--help, --list-scenarios, --version");
+        "unknown option '--bogus'; known are --scenario, --state, --trace, --mtab, --fault, --transport, --clock, "
+        "--control, --verbose, --help, --list-scenarios, --version");
     EXPECT_EQ(parse({"--transport", "pigeon", "x"}).error(), "--transport: 'pigeon' is none of auto, seccomp, preload");
     EXPECT_EQ(parse({"--state"}).error(), "--state needs a value: --state <file>");
     EXPECT_EQ(parse({"--verbose=1", "x"}).error(), "--verbose takes no value");
