@@ -314,7 +314,7 @@ TEST_F(PairStorage, CreateIsRefused)
 {
     ask({226, 3}, 61, bytes_of(request(1, {0})));
     ask({226, 3}, 59, bytes_of(request(1, {0, 0})));
-    ask({226, 3}, 3, std::span(bytes_of(request(1, {0, 1}))).first(623));
+    ask({226, 3}, 3, std::span<const QRX_U8>(bytes_of(request(1, {0, 1}))).first(623));
     auto create = request(1, {0, 1});
     create.MemberCount = 33;
     ask({226, 3}, 61, bytes_of(create));

@@ -200,7 +200,7 @@ TEST_F(QrxSim, InsideAnotherItFallsBackToThePreloadLibrary)
 
 TEST_F(QrxSim, MissingStateIsMadeFromTheScenario)
 {
-    EXPECT_EQ(run("qrx_sim --state lab.json --scenario jbof -- true").value, 0);
+    EXPECT_EQ(run("qrx_sim --state lab.json --scenario jbof --clock stopped -- true").value, 0);
     Result<std::unique_ptr<Machine>> saved = load_machine(content("lab.json"), "lab.json");
     ASSERT_TRUE(saved) << saved.error();
     EXPECT_EQ((*saved)->parts(), (*make_scenario("jbof"))->parts());
