@@ -214,14 +214,14 @@ TEST_F(InfoAdapter, VirtualFunctionsOfHostZero)
     machine.expect(identify().data(hostId(0)));
     machine.expect(identify().data(hostId(0)));
     machine.expect(identify().data(hostId(0)));
-    EXPECT_EQ(printed(someAdapter()).substr(0, kHead.size() + 38 + 3 * 46 + kDevice.size()),
+    EXPECT_EQ(printed(someAdapter()).substr(0, kHead.size() + 38 + std::size_t{3} * 46 + kDevice.size()),
               (kHead +
                "Visible VF Num:                      3\n"
                "   VF BDF:                           2b:1a.07\n"
                "   VF BDF:                           2b:01.00\n"
                "   VF BDF:                           2b:01.01\n" +
                kDevice + kIdentity)
-                  .substr(0, kHead.size() + 38 + 3 * 46 + kDevice.size()));
+                  .substr(0, kHead.size() + 38 + std::size_t{3} * 46 + kDevice.size()));
 }
 
 TEST_F(InfoAdapter, VirtualFunctionsOfTheCurrentControllersHostOne)
