@@ -192,8 +192,8 @@ int moving_data()
         std::printf("%.*s\n", static_cast<int>(data.size()), reinterpret_cast<const char*>(data.data()));
     }
     Bytes data(4, 'x');
-    for (const unsigned char letter : {'k', 'l'}) {
-        std::fill(data.begin(), data.end(), letter);
+    for (const char letter : {'k', 'l'}) {
+        std::fill(data.begin(), data.end(), static_cast<unsigned char>(letter));
         command = command_with(data);
         say(ioctl(fd, NVME_IOCTL_ADMIN_CMD, &command));
         std::printf("%.4s\n", reinterpret_cast<const char*>(data.data()));
