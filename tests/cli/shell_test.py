@@ -63,6 +63,14 @@ class Shell(unittest.TestCase):
                               env=ENVIRONMENT, timeout=TIMEOUT, encoding="ascii", dimensions=(50, 250))
         child.delaybeforesend = None
         self.addCleanup(child.close, force=True)
+        send = child.send
+
+        def send_to_the_editor(text):
+            # The line editor takes the echo over from the terminal when it begins to read, shortly behind the prompt.
+            child.waitnoecho(TIMEOUT)
+            return send(text)
+
+        child.send = send_to_the_editor
         child.expect_exact("Welcome to NVMe Command Line Interface.\r\n\r\n")
         child.expect_exact(PROMPT)
         return child
