@@ -8,6 +8,7 @@
 #include "cli/Functions/builtin/debug.h"
 #include "cli/Functions/builtin/help.h"
 #include "cli/Functions/builtin/version.h"
+#include "cli/Functions/flash/flash.h"
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Functions/simple/simple_import.h"
@@ -30,6 +31,7 @@ Command_Info generalCmdTableV1[] = {
     row("help", doHelp, help_help, ":Get brief help for all commands or detail help for one command."),
     row("adapter", doAdapter, adapter_help, ":Default NVMe Controller the following CLI commands refers to."),
     row("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
+    row("flash", doFlash, flash_help, ":Update flash image."),
     row("info", doSInfo, simple_info_help,
         ":For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) or Namespace(ns) information."),
     row("import", doSImport, simple_import_help, ":For import VD"),
