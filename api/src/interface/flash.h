@@ -15,5 +15,6 @@ using PNVME_Flash_Result = _NVME_Flash_Result*;
 // and be left alone until the update has a result. `type` is 1 for a raw image, else 0. Always 0.
 QRX_U32 QRX_Adapter_Flash(QRX_U8 adapter_id, char* path, QRX_U8 fs, QRX_U8 ca, QRX_U8 type);
 
-// How far it is. Returns 1, and leaves the record, when that is null or the controller has no record of progress.
+// How far it is. Returns 1, and leaves the record, when that is null or the update found no memory
+// for a record of its progress, and so was not begun.
 QRX_U32 QRX_Adapter_Flash_Result(QRX_U8 adapter_id, PNVME_Flash_Result p_result);
