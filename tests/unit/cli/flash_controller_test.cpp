@@ -181,16 +181,17 @@ TEST_F(FlashController, AFileThatChangesWhileItIsSentIsNotCommitted)
 {
     const Bytes image = pattern(2 * 4096);
     const std::string path = fileOf(image);
-    Bytes changed = segmentsOf(image)[1];
-    changed[4095] ^= 1;
-    int reads = 0;
+    std::vector<Bytes> answers = segmentsOf(image);  // the reads: the check, and two segments
+    answers.insert(answers.begin(), image);
+    answers[2][4095] ^= 1;
+    std::size_t reads = 0;
     libc.onRead = [&](int, void* data, std::size_t count) -> ssize_t {
-        const Bytes& from = ++reads == 1 ? image : reads == 2 ? segmentsOf(image)[0] : changed;
+        const Bytes& from = answers.at(reads++);
         std::copy_n(from.begin(), count, static_cast<QRX_U8*>(data));
         return static_cast<ssize_t>(count);
     };
-    machine.expect(segment(0, segmentsOf(image)[0]));
-    machine.expect(segment(1, changed));
+    machine.expect(segment(0, answers[1]));
+    machine.expect(segment(1, answers[2]));
     EXPECT_EQ(flash(path), refusedByWorker);
 }
 

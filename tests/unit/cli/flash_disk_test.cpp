@@ -18,9 +18,9 @@ protected:
     {
         return command({"flash", "-o", "pd", "-i", "6", "-f", path, "-s", fs, "-c", ca});
     }
-    static test::Command download(std::size_t offset, const Bytes& data)
+    static Command download(std::size_t offset, const Bytes& data)
     {
-        return test::Command::passthru(0xC3)
+        return Command::passthru(0xC3)
             .word(1, 6)
             .word(10, static_cast<QRX_U32>(data.size() / 4 - 1))
             .word(11, static_cast<QRX_U32>(offset / 4))
@@ -29,9 +29,9 @@ protected:
             .sends(data)
             .on(1);
     }
-    static test::Command diskCommit(QRX_U32 cdw10)
+    static Command diskCommit(QRX_U32 cdw10)
     {
-        return test::Command::passthru(0xC3).word(1, 6).word(10, cdw10).word(14, 0x10).flag(0x4403).on(1);
+        return Command::passthru(0xC3).word(1, 6).word(10, cdw10).word(14, 0x10).flag(0x4403).on(1);
     }
     // Expects the segments of an image, the last one at its exact length, up to the one that fails. Returns the lines
     // that tell of them.
@@ -69,8 +69,7 @@ TEST_F(FlashDisk, ImagesOfEverySizeAreSentToTheirExactEnd)
 TEST_F(FlashDisk, OnePageIsOneSegmentAndOneLine)
 {
     const Bytes image = pattern(4096);
-    machine.expect(
-        test::Command::passthru(0xC3).word(1, 6).word(10, 1023).word(14, 0x11).flag(0x4C03).sends(image).on(1));
+    machine.expect(Command::passthru(0xC3).word(1, 6).word(10, 1023).word(14, 0x11).flag(0x4C03).sends(image).on(1));
     machine.expect(diskCommit(9));
     EXPECT_EQ(flash(fileOf(image)), (Outcome{0, "Download firmware percentage:0\n" + kDone}));
 }

@@ -181,15 +181,15 @@ protected:
         bytes[0] = 0xEB;  // active 3, next 6
         return bytes;
     }
-    static test::Command identify() { return test::Command::admin(6, 0, {1}).receives(4096).on(1); }
-    static test::Command readLog() { return test::Command::admin(2, 0xFFFFFFFF, {0x7F0003}).receives(512).on(1); }
-    static test::Command diskIdentify(QRX_U32 id)
+    static Command identify() { return Command::admin(6, 0, {1}).receives(4096).on(1); }
+    static Command readLog() { return Command::admin(2, 0xFFFFFFFF, {0x7F0003}).receives(512).on(1); }
+    static Command diskIdentify(QRX_U32 id)
     {
-        return test::Command::passthru(0xC2).word(1, id).word(10, 1).word(14, 6).flag(0x4403).receives(4096).on(1);
+        return Command::passthru(0xC2).word(1, id).word(10, 1).word(14, 6).flag(0x4403).receives(4096).on(1);
     }
-    static test::Command diskReadLog(QRX_U32 id)
+    static Command diskReadLog(QRX_U32 id)
     {
-        return test::Command::passthru(0xC2)
+        return Command::passthru(0xC2)
             .word(1, id)
             .word(10, 0x7F0003)
             .word(14, 2)

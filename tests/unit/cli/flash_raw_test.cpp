@@ -10,9 +10,9 @@ using namespace qrx::test;
 class FlashRaw : public FlashTest {
 protected:
     Outcome flash(const Bytes& image) { return command({"flash", "-o", "hba", "-t", "RAW", "-f", fileOf(image)}); }
-    static test::Command vendorStep(const Bytes& image)
+    static Command vendorStep(const Bytes& image)
     {
-        return test::Command::passthru(0xE2)
+        return Command::passthru(0xE2)
             .word(12, 0x00010BE0)
             .word(13, 0x20585251)
             .word(15, headerCrc(image))
