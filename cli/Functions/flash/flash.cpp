@@ -1,7 +1,6 @@
 // `flash`: the options, what they allow together, and which update they ask for.
 #include "cli/Functions/flash/flash.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -10,52 +9,6 @@
 #include "api/src/interface/globals.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
-
-const char flash_help[] =
-    "\n"
-    "flash  -o <hba [-t type]|pd> [-i <ID>] -f <file> [-s <firmware slot>] [-c <commit action>] [-b <boot partition "
-    "id>][-q firmware] [-h]\n"
-    "\n"
-    "Options: \n"
-    "    -o, --object <hba|pd>\n"
-    "        Object name of the object to update firmware.\n"
-    "        hba - NVMe Controller, default\n"
-    "        pd  - Physical Disk\n"
-    "    -t, --type <raw>\n"
-    "        Update raw image with specific items\n"
-    "        raw - Update all items of raw image\n"
-    "    -i  --id\n"
-    "           current NVMe Controller SSD backend RC/Slot ID of PD info command\n"
-    "           If want to update disk firmware, this value is necessary\n"
-    "    -c, --ca <commit action>\n"
-    "        Downloaded image replaces the image specified by the Firmware Slot field. The image is activated at the "
-    "next reset.\n"
-    "        Notice: Windows only accept 1 and 2.\n"
-    "        Hali-Default value is 1\n"
-    "    -f, --file <file name and path>\n"
-    "    -s, --fs <firmware slot>\n"
-    "           If slot is zero, then the controller shall choose the firmware slot.(Max slot: 7)\n"
-    "    -b, --bp_id <boot partition id>\n"
-    "    -q, --query\n"
-    "        firmware, query slot information of NVMe controller or PD.\n"
-    "    -h, --help\n"
-    "\n"
-    "Examples:\n"
-    "    flash -o hba -f raw.bin -c 1 -s 1\n"
-    "    Update firmware image raw.bin with commit action is 1 and firmware slot 1 from current NVMe Controller \n"
-    "\n"
-    "    flash -o pd -i 0 -f raw.bin -s 1 -c 1\n"
-    "    Update firmware image raw.bin to back-end device id 0 witch firmware slot 1 and commit action is 1\n"
-    "\n"
-    "    flash -o hba -t raw -f raw.bin\n"
-    "    Update whole raw image raw.bin\n"
-    "\n"
-    "    flash -o hba -q firmware \n"
-    "    Show slot count, active slot and next active slot\n"
-    "\n"
-    "    flash -o pd -i 0 -q firmware \n"
-    "    Show slot count, active slot and next active slot of PD id 0 in current NVMe Controller\n"
-    "\n";
 
 namespace {
 

@@ -74,8 +74,7 @@ constexpr std::size_t kLong = 4 * kReach * kWord;  // from here on it pays
 // The words of one step, and in front of them those that still add to them.
 using Window = std::array<QRX_U64, kReach + kStep>;
 
-// Adds to each of `count` new words what the words before them bring: all of it, or, of those behind the last one to
-// be folded, nothing.
+// Adds to each of the `count` new words what the words before it bring.
 void fold(Window& window, std::size_t count)
 {
     QRX_U64* words = window.data() + kReach;
@@ -117,10 +116,8 @@ QRX_U32 byFolding(QRX_U32 crc, const QRX_U8* data, std::size_t len)
             rest[i] ^= window[kReach - distance + i];
         }
     }
-    data += kReach * kWord;
-    std::array<QRX_U8, kReach * kWord> bytes{};
-    std::memcpy(bytes.data(), rest.data(), bytes.size());
-    return byTables(byTables(0, bytes.data(), bytes.size()), data, len % kWord);
+    crc = byTables(0, reinterpret_cast<const QRX_U8*>(rest.data()), kReach * kWord);
+    return byTables(crc, data + kReach * kWord, len % kWord);
 }
 
 }  // namespace
