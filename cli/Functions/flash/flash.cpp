@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "api/src/function/flash/common/flash.h"
 #include "api/src/interface/globals.h"
+#include "api/src/interface/wire/image.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
 

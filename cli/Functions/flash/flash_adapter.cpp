@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <optional>
 
-#include "api/src/function/flash/common/flash.h"
 #include "api/src/interface/flash.h"
 #include "api/src/interface/globals.h"
+#include "api/src/interface/wire/image.h"
 #include "api/src/interface/wire/status.h"
 #include "cli/Functions/flash/flash.h"
 #include "cli/Functions/flash/flash_file.h"

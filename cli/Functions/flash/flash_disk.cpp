@@ -3,8 +3,8 @@
 #include <array>
 #include <limits>
 
-#include "api/src/function/flash/common/flash.h"
 #include "api/src/interface/globals.h"
+#include "api/src/interface/wire/image.h"
 #include "api/src/interface/wire/status.h"
 #include "cli/Functions/flash/flash.h"
 #include "cli/Functions/flash/flash_file.h"

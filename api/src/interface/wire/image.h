@@ -1,4 +1,4 @@
-// The header of a firmware component in a raw image, and where the components stand.
+// The header of a firmware component in a raw image, where the components stand, and how images are committed.
 #pragma once
 
 #include <cstddef>
@@ -35,3 +35,7 @@ inline constexpr QRX_U32 kImageMep = 0x80000;
 // From a header to its body, in the two layouts of a raw image.
 inline constexpr QRX_U32 kBodyNoDigit = 0x40;
 inline constexpr QRX_U32 kBodyDigit = 0x80;
+
+// The commit actions that need no image.
+inline constexpr QRX_U8 kCommitActivateAtReset = 2;
+inline constexpr QRX_U8 kCommitActivateNow = 3;  // with an image it is sent first

@@ -11,6 +11,7 @@
 #include "api/src/function/progressbar/common/ProgressBarManagement.h"
 #include "api/src/interface/wire/buffer.h"
 #include "api/src/interface/wire/command.h"
+#include "api/src/interface/wire/image.h"
 
 namespace {
 

@@ -9,10 +9,6 @@
 #include "api/src/function/progressbar/common/ProgressBar.h"
 #include "api/src/interface/wire/types.h"
 
-// The commit actions that need no image.
-inline constexpr QRX_U8 kCommitActivateAtReset = 2;
-inline constexpr QRX_U8 kCommitActivateNow = 3;  // with an image it is sent first
-
 // What the worker is told.
 struct _QRXFlashData {
     QRX_U8 adapter;

@@ -2,6 +2,7 @@
 
 #include "api/src/function/flash/common/flash.h"
 #include "api/src/function/progressbar/common/ProgressBarManagement.h"
+#include "api/src/interface/wire/image.h"
 
 namespace {
 
