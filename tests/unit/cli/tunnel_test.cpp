@@ -27,7 +27,8 @@ TEST_F(Tunnel, FromADrive)
 
 TEST_F(Tunnel, ToADriveWithWordsOfItsOwnAndWithoutData)
 {
-    machine.expect(test::Command::passthru(0xC3).word(1, 7).word(14, 0x80).word(10, 512).word(15, 9).flag(0xC403).on(1));
+    machine.expect(
+        test::Command::passthru(0xC3).word(1, 7).word(14, 0x80).word(10, 512).word(15, 9).flag(0xC403).on(1));
     EXPECT_EQ(outcomeOf([] { return tunnelToDrive(7, kDriveFormat).word(10, 512).word(15, 9).send(); }),
               (Outcome{0, ""}));
 }
@@ -46,8 +47,9 @@ TEST_F(Tunnel, TheStatusOfTheDriveIsTold)
 {
     machine.expect(test::Command::passthru(0xC2).word(14, 2).flag(0x4003).result(1).status(0x4002).on(1));
     QRX_U32 result = 0;
-    EXPECT_EQ(outcomeOf([&] { return tunnelFromDrive(0, kDriveGetLogPage).receive({}, gCurrentAdapter, &result); }).result,
-              0x4002);
+    EXPECT_EQ(
+        outcomeOf([&] { return tunnelFromDrive(0, kDriveGetLogPage).receive({}, gCurrentAdapter, &result); }).result,
+        0x4002);
 }
 
 TEST_F(Tunnel, TheControlIdStaysInTheHost)
