@@ -14,6 +14,7 @@
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Functions/simple/simple_ns.h"
 #include "cli/Functions/simple/simple_vd.h"
+#include "cli/Functions/smart/smart.h"
 
 namespace {
 
@@ -30,6 +31,7 @@ Command_Info generalCmdTableV1[] = {
     row("help", doHelp, help_help, ":Get brief help for all commands or detail help for one command."),
     row("adapter", doAdapter, adapter_help, ":Default NVMe Controller the following CLI commands refers to."),
     row("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
+    row("smart", doSmart, smart_help, ":Get SSD backend RC/Slot SMART info."),
     row("info", doSInfo, simple_info_help,
         ":For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) or Namespace(ns) information."),
     row("import", doSImport, simple_import_help, ":For import VD"),

@@ -31,6 +31,7 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "help               :Get brief help for all commands or detail help for one command.\n"
                           "adapter            :Default NVMe Controller the following CLI commands refers to.\n"
                           "version            :Show API, CLI and support firmware version\n"
+                          "smart              :Get SSD backend RC/Slot SMART info.\n"
                           "info               :For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) "
                           "or Namespace(ns) information.\n"
                           "import             :For import VD\n"

@@ -164,7 +164,7 @@ TEST(CommandTables, HoldTheseRows)
         return names;
     };
     EXPECT_EQ(namesOf(generalCmdTableV1, generalCmdTableV1Size()),
-              (std::vector<std::string>{"?", "help", "adapter", "version", "info", "import", "init", "mp",
+              (std::vector<std::string>{"?", "help", "adapter", "version", "smart", "info", "import", "init", "mp",
                                         "rebuild", "debuglv", "get", "set", "vd", "ns"}));
     EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()), (std::vector<std::string>{"--debug"}));
 }
