@@ -15,6 +15,7 @@
 #include "cli/Functions/simple/simple_ns.h"
 #include "cli/Functions/simple/simple_vd.h"
 #include "cli/Functions/smart/smart.h"
+#include "cli/Functions/standard/identify.h"
 
 namespace {
 
@@ -43,6 +44,7 @@ Command_Info generalCmdTableV1[] = {
     row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
     row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
     row("ns", doSNS, simple_ns_help, ":For namespace management"),
+    row("identify", doIdentify, identify_help, ":Get controller identify info."),
 };
 
 Command_Info hiddenCmdTableV1[] = {

@@ -42,7 +42,8 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "get                :For getting configuration information of NVMe Controller.\n"
                           "set                :For setting configuration parameters of NVMe Controller.\n"
                           "vd                 :For VD create and delete\n"
-                          "ns                 :For namespace management\n" +
+                          "ns                 :For namespace management\n"
+                          "identify           :Get controller identify info.\n" +
                           expected::kHelpFoot + "\n";
 
 TEST(HelpTexts, AreExact)

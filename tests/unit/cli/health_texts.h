@@ -21,4 +21,25 @@ inline constexpr char kSmartPage[] =
     "    get current NVMe Controller SMART info\n"
     "\n";
 
+inline constexpr char kIdentifyPage[] =
+    "Description:Get controller identify info.\n"
+    "identify -c <cns> [-i <cntid>] [-n <namespace id>] [--rawdata] [-h]\n"
+    "\n"
+    "Options:\n"
+    "    -c,  --cns.\n"
+    "         Controller or Namespace Structure\n"
+    "    -i,  --cntid.\n"
+    "         Controller Identifier\n"
+    "    -n,  --namespace.\n"
+    "         namespace id\n"
+    "    --rawdata.\n"
+    "    -h,  --get help of identify command.\n"
+    "Examples:\n"
+    "    identify -c 1\n"
+    "    get identify controller info\n"
+    "\n"
+    "    identify -c 0 -n 1\n"
+    "    get identify namespace id 1 info\n"
+    "\n";
+
 }  // namespace expected
