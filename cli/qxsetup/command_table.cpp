@@ -8,6 +8,7 @@
 #include "cli/Functions/builtin/debug.h"
 #include "cli/Functions/builtin/help.h"
 #include "cli/Functions/builtin/version.h"
+#include "cli/Functions/passthru/passthru.h"
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Functions/simple/simple_import.h"
@@ -42,6 +43,7 @@ Command_Info generalCmdTableV1[] = {
     row("debuglv", doSDEBUGLV, simple_debuglv_help, ":For switch debug level target"),
     row("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
     row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
+    row("passthru", doPassthru, passthru_help, ":Passthrough NVMe admin command to backend device"),
     row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
     row("ns", doSNS, simple_ns_help, ":For namespace management"),
     row("identify", doIdentify, identify_help, ":Get controller identify info."),
