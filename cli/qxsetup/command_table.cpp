@@ -11,6 +11,7 @@
 #include "cli/Functions/passthru/passthru.h"
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
+#include "cli/Functions/simple/simple_hotkey.h"
 #include "cli/Functions/simple/simple_import.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Functions/simple/simple_ns.h"
@@ -51,6 +52,7 @@ Command_Info generalCmdTableV1[] = {
 
 Command_Info hiddenCmdTableV1[] = {
     row("--debug", doDebug, debug_help, debug_sh),
+    row("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
 };
 // clang-format on
 

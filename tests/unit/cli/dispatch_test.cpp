@@ -166,7 +166,7 @@ TEST(CommandTables, HoldTheseRows)
     EXPECT_EQ(namesOf(generalCmdTableV1, generalCmdTableV1Size()),
               (std::vector<std::string>{"?", "help", "adapter", "version", "smart", "info", "import", "init", "mp",
                                         "rebuild", "debuglv", "get", "set", "passthru", "vd", "ns", "identify"}));
-    EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()), (std::vector<std::string>{"--debug"}));
+    EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()), (std::vector<std::string>{"--debug", "hotkey"}));
 }
 
 TEST(CommandTables, DispatchThroughTheRealTables)
