@@ -134,7 +134,7 @@ int hotkey_createVD(QRX_U8 raidMode, QRX_U8 freeDrive, QRX_U8 sbs)
 QRX_U8 getFreePDs(FreePDs& PDIDs)
 {
     const NVME_Adapter_Info& record = qrx::recordOf(gCurrentAdapter);
-    const std::size_t range = std::min<std::size_t>(PDIDs.size(), record.MaxPD * record.PortCount);
+    const std::size_t range = std::min<std::size_t>(PDIDs.size(), std::size_t{record.MaxPD} * record.PortCount);
     QRX_U8 found = 0;
     for (std::size_t id = 0; id < range; ++id) {
         if (_getPDInfo(static_cast<QRX_U16>(id)) != 0) {

@@ -82,19 +82,23 @@ inline constexpr char kPassthruPage[] =
     "    -h,  --get help of passthru command.\n"
     "Examples:\n"
     "\tpassthru -i 0 -o 0xa -n 1 --cdw10=0x103 --data-len=4096 -r read \n"
-    "\tSend a read command for default LBA Range Type of get feature to SSD backend RC/Slot ID 0 and SSD backend namespace ID 1 of Halix.\n"
+    "\tSend a read command for default LBA Range Type of get feature to SSD backend RC/Slot ID 0 and SSD backend "
+    "namespace ID 1 of Halix.\n"
     "\n"
     "\tpassthru -i 0 -o 0x2 -n 0xffffffff --cdw10=0x7f0002 --data-len=512 -r read \n"
     "\tSend a read command for getting SMART information of SSD backend RC/Slot ID 0 of Halix.\n"
     "\n"
     "\tpassthru -i 0 -o 6 --cdw10=1 --data-len=4096 -r read \n"
-    "\tSend a read command for getting primary controller information of identify to SSD backend RC/Slot ID 0 of Halix.\n"
+    "\tSend a read command for getting primary controller information of identify to SSD backend RC/Slot ID 0 of "
+    "Halix.\n"
     "\n"
     "\tpassthru -i 0 -o 0x6 --cdw10=1 --data-len=4096 -r read --outputfile id_data \n"
-    "\tSend a read command for getting primary controller information of identify to SSD backend RC/Slot ID 0 of Halix into output file \"id_data\".\n"
+    "\tSend a read command for getting primary controller information of identify to SSD backend RC/Slot ID 0 of Halix "
+    "into output file \"id_data\".\n"
     "\n"
     "\tpassthru -i 0 -o 0x15 --cdw10=0 --data-len=4096 -n 1 --inputfile prp_data -r write \n"
-    "\tSend a write command for SSD backend RC/Slot ID 0 to attach SSD backend namespace ID 1 with controller id list of input file \"prp_data\"\n";
+    "\tSend a write command for SSD backend RC/Slot ID 0 to attach SSD backend namespace ID 1 with controller id list "
+    "of input file \"prp_data\"\n";
 
 inline constexpr char kHotkeyPage[] =
     "Description:For hotkey.\n"
