@@ -11,6 +11,7 @@
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/report.h"
+#include "cli/Public/frame/tunnel.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ void debug(const char* format, Values... values)
 // A command that the controller runs on the disk.
 qrx::AdminCommand toDisk(QRX_U32 pd_id, QRX_U32 opcode)
 {
-    return qrx::AdminCommand(kTunnelToDrive).word(1, pd_id).word(14, opcode);
+    return qrx::tunnelToDrive(pd_id, opcode);
 }
 
 void debugWords(const qrx::AdminCommand& command, std::initializer_list<unsigned> words)
