@@ -16,7 +16,6 @@
 namespace {
 
 using qrx::print;
-using qrx::refuse;
 
 constexpr QRX_U32 kFirmwareCommit = 0x10;
 constexpr QRX_U32 kFirmwareDownload = 0x11;
@@ -84,7 +83,8 @@ QRX_U32 download(QRX_U8 adapterID, const char* filename, QRX_U32 pd_id)
         }
         std::array<QRX_U8, kSegment> buffer{};
         if (read_file_for_flash(buffer) < data_len) {
-            return refuse(1, "failed to read file %s\n", filename);
+            print("failed to read file %s\n", filename);
+            return 1;
         }
         const auto command = toDisk(pd_id, kFirmwareDownload).word(10, data_len / 4 - 1).word(11, offset / 4);
         debugWords(command, {10, 11, 14});
@@ -131,7 +131,8 @@ QRX_U32 updateHdFlash(QRX_U8 adapterID, const char* filename, QRX_U32 pd_id, QRX
     const bool hasImage = ca != kCommitActivateAtReset && filename[0] != '\0';
     if (hasImage || needsImage) {
         if (open_file_for_flash(filename) != 0) {
-            return refuse(1, "failed to open file %s\n", filename);
+            print("failed to open file %s\n", filename);
+            return 1;
         }
         const QRX_U32 failure = download(adapterID, filename, pd_id);
         close_file_for_flash();

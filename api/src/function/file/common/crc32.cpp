@@ -84,7 +84,9 @@ void fold(Window& window, std::size_t count)
         const QRX_U64* second = words - kSecond;
         const QRX_U64* third = words - kThird;
         const QRX_U64* fourth = words - kReach;
+#if !defined(__clang__)
 #pragma GCC ivdep
+#endif
         for (std::size_t i = done; i < end; ++i) {
             words[i] ^= first[i] ^ second[i] ^ third[i] ^ fourth[i];
         }
