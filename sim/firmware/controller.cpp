@@ -9,9 +9,7 @@ namespace qrx::sim {
 
 namespace {
 
-constexpr auto kOpcodes =
-    std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead),
-                           static_cast<QRX_U8>(kTunnelFromDrive), static_cast<QRX_U8>(kTunnelToDrive)});
+constexpr auto kOpcodes = std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead)});
 
 }  // namespace
 

@@ -8,7 +8,6 @@
 #include "sim/firmware/factory.h"
 #include "sim/launcher/control_client.h"
 #include "sim/launcher/control_socket.h"
-#include "sim/launcher/image_command.h"
 #include "sim/launcher/machine_setup.h"
 #include "sim/launcher/options.h"
 #include "sim/launcher/program.h"
@@ -56,8 +55,6 @@ try {
         break;
     case Options::Action::control:
         return run_control(*options);
-    case Options::Action::make_image:
-        return run_make_image(*options);
     case Options::Action::run:
         return run(*options);
     }

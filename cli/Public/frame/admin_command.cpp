@@ -42,12 +42,6 @@ AdminCommand& AdminCommand::flag(QRX_U16 cdw_flag)
     return *this;
 }
 
-AdminCommand& AdminCommand::controlId(QRX_U16 control_id)
-{
-    record_.control_id = control_id;
-    return *this;
-}
-
 void AdminCommand::debug() const
 {
     for (const unsigned index : {0U, 10U, 11U, 12U, 13U, 14U, 15U}) {
@@ -71,16 +65,16 @@ int AdminCommand::send(QRX_U8 adapter) const
     return static_cast<int>(QRX_Adapter_PassthruAdmin(adapter, asInput(&record_), nullptr, 0, nullptr, 0, nullptr));
 }
 
-int AdminCommand::transmit(std::span<const QRX_U8> data, QRX_U8 adapter, QRX_U32* result) const
+int AdminCommand::transmit(std::span<const QRX_U8> data, QRX_U8 adapter) const
 {
     return static_cast<int>(QRX_Adapter_PassthruAdmin(adapter, asInput(&record_), asInput(data.data()),
-                                                      length(data.size()), nullptr, 0, result));
+                                                      length(data.size()), nullptr, 0, nullptr));
 }
 
-int AdminCommand::receive(std::span<QRX_U8> data, QRX_U8 adapter, QRX_U32* result) const
+int AdminCommand::receive(std::span<QRX_U8> data, QRX_U8 adapter) const
 {
     return static_cast<int>(
-        QRX_Adapter_PassthruAdmin(adapter, asInput(&record_), nullptr, 0, data.data(), length(data.size()), result));
+        QRX_Adapter_PassthruAdmin(adapter, asInput(&record_), nullptr, 0, data.data(), length(data.size()), nullptr));
 }
 
 int AdminCommand::receiveQuietly(std::span<QRX_U8> data, QRX_U8 adapter) const
