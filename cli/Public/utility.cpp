@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "api/src/function/file/common/crc32.h"
 #include "api/src/interface/globals.h"
 #include "cli/Public/common.h"
 
@@ -13,24 +14,11 @@ FILE* file = nullptr;
 
 namespace {
 
-constexpr QRX_U32 kCrcPolynomial = 0xEDB88320;
 constexpr double kTwoToThe32 = 4294967296.0;
 constexpr std::size_t kNameSize = 1024;  // of a file name with its terminator
 
-constexpr std::array<QRX_U32, 256> makeCrcTable()
-{
-    std::array<QRX_U32, 256> table{};
-    for (QRX_U32 index = 0; index < table.size(); ++index) {
-        QRX_U32 value = index;
-        for (int bit = 0; bit < 8; ++bit) {
-            value = (value & 1) != 0 ? (value >> 1) ^ kCrcPolynomial : value >> 1;
-        }
-        table[index] = value;
-    }
-    return table;
-}
-constexpr std::array<QRX_U32, 256> crc32Table = makeCrcTable();
-static_assert(crc32Table[1] == 0x77073096 && crc32Table[255] == 0x2D02EF8D);
+// The same table as that of the firmware image.
+constexpr const auto& crc32Table = crc_tab;
 
 }  // namespace
 

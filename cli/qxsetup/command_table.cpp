@@ -8,12 +8,17 @@
 #include "cli/Functions/builtin/debug.h"
 #include "cli/Functions/builtin/help.h"
 #include "cli/Functions/builtin/version.h"
+#include "cli/Functions/flash/flash.h"
+#include "cli/Functions/passthru/passthru.h"
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
+#include "cli/Functions/simple/simple_hotkey.h"
 #include "cli/Functions/simple/simple_import.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Functions/simple/simple_ns.h"
 #include "cli/Functions/simple/simple_vd.h"
+#include "cli/Functions/smart/smart.h"
+#include "cli/Functions/standard/identify.h"
 
 namespace {
 
@@ -30,6 +35,8 @@ Command_Info generalCmdTableV1[] = {
     row("help", doHelp, help_help, ":Get brief help for all commands or detail help for one command."),
     row("adapter", doAdapter, adapter_help, ":Default NVMe Controller the following CLI commands refers to."),
     row("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
+    row("smart", doSmart, smart_help, ":Get SSD backend RC/Slot SMART info."),
+    row("flash", doFlash, flash_help, ":Update flash image."),
     row("info", doSInfo, simple_info_help,
         ":For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) or Namespace(ns) information."),
     row("import", doSImport, simple_import_help, ":For import VD"),
@@ -39,12 +46,15 @@ Command_Info generalCmdTableV1[] = {
     row("debuglv", doSDEBUGLV, simple_debuglv_help, ":For switch debug level target"),
     row("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
     row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
+    row("passthru", doPassthru, passthru_help, ":Passthrough NVMe admin command to backend device"),
     row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
     row("ns", doSNS, simple_ns_help, ":For namespace management"),
+    row("identify", doIdentify, identify_help, ":Get controller identify info."),
 };
 
 Command_Info hiddenCmdTableV1[] = {
     row("--debug", doDebug, debug_help, debug_sh),
+    row("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
 };
 // clang-format on
 

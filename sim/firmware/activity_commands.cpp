@@ -343,7 +343,7 @@ void Controller::auto_rebuild()
             continue;
         }
         for (const Drive& drive : drives) {
-            const bool healthy = drive.critical_warning == 0 && !drive.importable;
+            const bool healthy = drive.health.critical_warning == 0 && !drive.importable;
             if (healthy && check_rebuild_target(vd, drive.id) == Verdict::kGood) {
                 (void)start_rebuild(vd.id, drive.id);
                 break;

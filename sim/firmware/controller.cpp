@@ -9,7 +9,9 @@ namespace qrx::sim {
 
 namespace {
 
-constexpr auto kOpcodes = std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead)});
+constexpr auto kOpcodes =
+    std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead),
+                           static_cast<QRX_U8>(kTunnelFromDrive), static_cast<QRX_U8>(kTunnelToDrive)});
 
 }  // namespace
 

@@ -77,9 +77,21 @@ protected:
     [[nodiscard]] Clock::Duration next_change() const override;
     [[nodiscard]] bool attaches_namespaces() const override { return (adapter.features & kFeatureNamespace) != 0; }
     Completion attach(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
+    [[nodiscard]] QRX_U64 firmware_limit() const override;
+    [[nodiscard]] std::string firmware_version() const override { return version_text(adapter.firmware); }
+    void take_version(const std::string& version) override;
+    void reset_back_end() override;
     [[nodiscard]] bool in_service(const Namespace& ns) const override;
 
 private:
+    // The tunnel: lets a drive carry out the command that the words of this one describe.
+    Completion tunnel(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    // What lay on the drive is gone: its place in a virtual disk, its namespaces, what others left on it.
+    void forget_contents(Drive& drive);
+    // Takes over a raw image that a host has sent, before its commit.
+    Verdict check_raw_image(const nvme_admin_cmd& command);
+    Completion read_namespace_health(QRX_U16 nsid, std::span<QRX_U8> data) const;
+
     // The vendor commands of opcode 0xE2.
     Completion vendor_read(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     Completion read_pd(QRX_U32 id, std::span<QRX_U8> data) const;

@@ -1,4 +1,4 @@
-// A physical disk behind the controller.
+// A physical disk behind the controller: a small NVMe SSD of its own, which hosts reach through the tunnel alone.
 #pragma once
 
 #include <array>
@@ -8,6 +8,7 @@
 
 #include "api/src/interface/wire/pd.h"
 #include "sim/firmware/background.h"
+#include "sim/firmware/nvme_function.h"
 
 namespace qrx::sim {
 
@@ -21,17 +22,19 @@ struct ForeignNamespace {
     friend bool operator==(const ForeignNamespace&, const ForeignNamespace&) = default;
 };
 
-struct Drive {
+// Of what it is as an NVMe device, `number`, `address` and `subnqn` mean nothing here, and `slot` is the root complex
+// of the back end.
+class Drive : public NvmeFunction {
+public:
+    // Namespaces that a drive can have.
+    static constexpr std::size_t kNamespacesMax = 8;
+
+    Drive();
+
     QRX_U16 id = 0;
-    std::string model = "QRX Lab SSD 960GB";  // at most 40 letters
-    std::string serial;                       // at most 20 letters
-    std::string firmware = "LAB1.0.4";        // at most 8 letters
-    QRX_U32 sector_size = 512;                // bytes
+    QRX_U32 sector_size = 512;  // bytes
     QRX_U64 sectors = 1875385008;
-    QRX_U16 slot = 0;             // back-end root complex
-    QRX_U16 nsid = 1;             // namespace on the drive itself
-    QRX_U16 temperature = 308;    // Kelvin
-    QRX_U8 critical_warning = 0;  // as its SMART log says
+    QRX_U16 nsid = 1;  // namespace on the drive itself that the controller uses
     bool failed = false;
     bool importable = false;
     std::vector<ForeignNamespace> foreign_namespaces;
@@ -42,7 +45,24 @@ struct Drive {
     [[nodiscard]] QRX_U64 bytes() const { return sectors * sector_size; }
     // `assigned`: a virtual disk uses it; `patrolled`: a media patrol of that virtual disk runs over it.
     [[nodiscard]] NVME_PD_Info record(bool assigned, bool patrolled) const;
-    void advance(Clock::Duration passed);
+    // Gives it, in place of all others, the one namespace over its whole size that a drive comes with.
+    void make_default_namespace();
+
+protected:
+    [[nodiscard]] Capacity capacity() const override;
+    [[nodiscard]] QRX_U32 max_namespaces() const override;
+    void advance_back_end(Clock::Duration passed) override;
+    [[nodiscard]] Clock::Duration next_change() const override;
+    [[nodiscard]] bool attaches_namespaces() const override { return true; }
+    Completion attach(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
+    [[nodiscard]] bool manages_namespaces() const override { return true; }
+    Completion manage(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
+    [[nodiscard]] bool formats() const override { return true; }
+    Completion format(const nvme_admin_cmd& command) override;
+
+private:
+    Completion create_namespace(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    Completion delete_namespace(QRX_U32 nsid);
 };
 
 }  // namespace qrx::sim

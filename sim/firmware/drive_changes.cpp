@@ -64,7 +64,7 @@ std::optional<Failure> Controller::fail_drive(QRX_U32 id)
         return Failure{"drive " + std::to_string(id) + " has failed already"};
     }
     drive->failed = true;
-    drive->critical_warning |= kReliabilityDegraded;
+    drive->health.critical_warning |= kReliabilityDegraded;
     drive->activity.reset();
     tell(Event::kPd, drive->id, "has failed");
     lose_member(drive->id, false);
@@ -100,7 +100,8 @@ std::optional<Failure> Controller::replace_drive(QRX_U32 id)
     fresh.serial = serial + "D" + std::to_string(id);
     if (const Drive* const old = find_drive(id)) {
         fresh.model = old->model;
-        fresh.firmware = old->firmware;
+        fresh.slots.contents[0].revision = old->slots.running();
+        fresh.nsid = old->nsid;
         fresh.sector_size = old->sector_size;
         fresh.sectors = old->sectors;
         fresh.slot = old->slot;
@@ -114,6 +115,7 @@ std::optional<Failure> Controller::replace_drive(QRX_U32 id)
         }
     }
     fresh.serial = next_serial(fresh.serial);
+    fresh.make_default_namespace();
     tell(Event::kPd, fresh.id, "plugged in, serial number " + fresh.serial);
     const auto place =
         std::find_if(drives.begin(), drives.end(), [&](const Drive& other) { return other.id > fresh.id; });

@@ -73,23 +73,38 @@ nvme_id_ctrl NvmeFunction::identify_controller() const
     id.rtd3r = 5000000;
     id.rtd3e = 8000000;
     id.cntrltype = 1;  // an I/O controller
-    id.oacs = attaches_namespaces() ? 1U << 3 : 0;
+    id.oacs = static_cast<QRX_U16>((formats() ? 1U << 1 : 0) | 1U << 2 |
+                                   (attaches_namespaces() || manages_namespaces() ? 1U << 3 : 0));
     id.acl = 3;
-    id.aerl = 0;                                      // one asynchronous event request
-    id.frmw = static_cast<QRX_U8>(slots.count << 1);  // slots; slot 1 may be written
-    id.lpa = 0x06;                                    // commands supported log; extended log page fields
+    id.aerl = 0;  // one asynchronous event request
+    id.frmw = slots.capabilities();
+    id.lpa = 0x06;  // commands supported log; extended log page fields
     id.elpe = static_cast<QRX_U8>(ErrorLog::kEntries - 1);
     id.wctemp = 343;
     id.cctemp = 358;
     std::memcpy(id.tnvmcap, &bytes.total, sizeof(bytes.total));
     std::memcpy(id.unvmcap, &bytes.unallocated, sizeof(bytes.unallocated));
+    id.fwug = 0xFF;  // pieces of an image need no other alignment than that of dwords
     id.sqes = 0x66;
     id.cqes = 0x44;
     id.nn = max_namespaces();
-    id.oncs = 0x59;  // compare, write zeroes, select field of features, timestamp
-    id.vwc = 0x07;   // volatile write cache; flush takes all namespaces at once
+    id.oncs = 0x59;                    // compare, write zeroes, select field of features, timestamp
+    id.fna = formats() ? 1U << 2 : 0;  // a format can erase by forgetting the key
+    id.vwc = 0x07;                     // volatile write cache; flush takes all namespaces at once
     pad_with_zeros(id.subnqn, subnqn);
     id.psd[0].mp = 2500;  // 25.00 W
+    return id;
+}
+
+_nvme_id_ns NvmeFunction::identify_namespace(const Namespace& ns) const
+{
+    _nvme_id_ns id = ns.identify();
+    if (formats()) {
+        id.nlbaf = 1;
+        id.lbaf[0].ds = 9;
+        id.lbaf[1].ds = 12;
+        id.flbas = ns.sector_size == 4096 ? 1 : 0;
+    }
     return id;
 }
 
@@ -109,7 +124,7 @@ Completion NvmeFunction::identify(const nvme_admin_cmd& command, std::span<QRX_U
             return complete(status::kInvalidNamespace);
         }
         // An id that may exist and does not, or is not attached, is told by a page of zeros.
-        return allocated && (ns->active || cns == kCnsAllocatedNamespace) ? deliver(ns->identify(), data)
+        return allocated && (ns->active || cns == kCnsAllocatedNamespace) ? deliver(identify_namespace(*ns), data)
                                                                           : deliver(_nvme_id_ns{}, data);
     case kCnsActiveList:
         return identify_namespaces(nsid, false, data);

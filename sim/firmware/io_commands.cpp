@@ -47,6 +47,7 @@ Completion NvmeFunction::transfer(Namespace& target, const nvme_admin_cmd& comma
     if (command.opcode == nvm::kWriteZeroes) {
         target.data.erase(lba, count);
         health.count_write(0);
+        target.count_write(0);
         return complete(status::kSuccess);
     }
     const QRX_U64 bytes = count * target.sector_size;
@@ -60,13 +61,16 @@ Completion NvmeFunction::transfer(Namespace& target, const nvme_admin_cmd& comma
     case nvm::kWrite:
         target.data.write(lba, target.sector_size, data);
         health.count_write(bytes);
+        target.count_write(bytes);
         return complete(status::kSuccess);
     case nvm::kRead:
         target.data.read(lba, target.sector_size, data);
         health.count_read(bytes);
+        target.count_read(bytes);
         return complete(status::kSuccess);
     default:
         health.count_read(bytes);
+        target.count_read(bytes);
         return complete(target.data.equals(lba, target.sector_size, data) ? status::kSuccess : status::kCompareFailure);
     }
 }

@@ -18,6 +18,7 @@ constexpr QRX_U8 kLogCommands = 0x05;
 constexpr QRX_U32 kBroadcast = 0xFFFFFFFF;
 constexpr QRX_U32 kSupported = 1;  // bit 0 of an entry of the commands and the supported pages logs
 constexpr QRX_U32 kChangesContent = 1U << 1;
+constexpr QRX_U32 kChangesNamespace = 1U << 2;
 constexpr QRX_U32 kChangesInventory = 1U << 3;  // of namespaces
 
 // Delivers `length` bytes from `offset` of a log page; zeros where the host asks for more than the page has.
@@ -82,11 +83,18 @@ nvme_effects_log NvmeFunction::effects_log() const
     nvme_effects_log log{};
     for (const QRX_U8 opcode : {admin::kDeleteSubmissionQueue, admin::kCreateSubmissionQueue, admin::kGetLogPage,
                                 admin::kDeleteCompletionQueue, admin::kCreateCompletionQueue, admin::kIdentify,
-                                admin::kAbort, admin::kSetFeatures, admin::kGetFeatures, admin::kAsynchronousEvent}) {
+                                admin::kAbort, admin::kSetFeatures, admin::kGetFeatures, admin::kAsynchronousEvent,
+                                admin::kFirmwareCommit, admin::kFirmwareDownload}) {
         log.acs[opcode] = kSupported;
     }
     if (attaches_namespaces()) {
         log.acs[admin::kNamespaceAttachment] = kSupported | kChangesInventory;
+    }
+    if (manages_namespaces()) {
+        log.acs[admin::kNamespaceManagement] = kSupported | kChangesContent | kChangesInventory;
+    }
+    if (formats()) {
+        log.acs[admin::kFormat] = kSupported | kChangesContent | kChangesNamespace;
     }
     for (const QRX_U8 opcode : vendor_opcodes()) {
         log.acs[opcode] = kSupported;

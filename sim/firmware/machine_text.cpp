@@ -81,6 +81,10 @@ constexpr auto kSkuWords = std::to_array<JsonWord>({{0, "V"}, {1, "D"}, {2, "B"}
 constexpr auto kPortWords = std::to_array<JsonWord>({{kPcieEndPoint, "end-point"}, {kPcieRootComplex, "root-complex"}});
 constexpr auto kSpeedWords = std::to_array<JsonWord>({{1, "2.5Gb/s"}, {2, "5Gb/s"}, {3, "8Gb/s"}});
 constexpr auto kRateWords = std::to_array<JsonWord>({{0, "high"}, {2, "medium"}, {32, "low"}});
+constexpr auto kNeedWords = std::to_array<JsonWord>({{FirmwareSlots::kNothing, "nothing"},
+                                                     {FirmwareSlots::kControllerReset, "controller-reset"},
+                                                     {FirmwareSlots::kSubsystemReset, "subsystem-reset"},
+                                                     {FirmwareSlots::kConventionalReset, "conventional-reset"}});
 constexpr auto kParentWords = std::to_array<JsonWord>({{kNsParentPd, "pd"}, {kNsParentVd, "vd"}});
 constexpr auto kActivityStateWords =
     std::to_array<JsonWord>({{QRX_NVME_BGA_STATUS_RUNNING, "running"}, {QRX_NVME_BGA_STATUS_PAUSE, "paused"}});
@@ -93,6 +97,13 @@ constexpr auto kActivityWords = std::to_array<JsonWord>({
     {QRX_NVME_BGA_TYPE_HD_MEDIAPATROL, "pd-media-patrol"},
     {QRX_NVME_BGA_TYPE_VD_MEDIAPATROL, "media-patrol"},
 });
+
+template <class Items, class Key>
+void sort_by(Items& items, Key key)
+{
+    std::sort(items.begin(), items.end(),
+              [key](const auto& left, const auto& right) { return left.*key < right.*key; });
+}
 
 template <class Io>
 void describe(Io& io, Version& version)
@@ -221,18 +232,57 @@ void describe(Io& io, Health& health)
 }
 
 template <class Io>
-void describe(Io& io, FirmwareSlots& slots)
+void describe(Io& io, FirmwareContent& content)
+{
+    io.text("version", content.version, kVersionMax);
+    io.number("size", content.size, 0, kAny32);
+    io.number("crc", content.crc, 0, kAny32);
+    io.flag("revoked", content.revoked);
+}
+
+template <class Io>
+void describe(Io& io, FirmwareSlots& slots, bool unnamed_may_run)
 {
     static constexpr std::array<const char*, FirmwareSlots::kMax> kKeys{"slot1", "slot2", "slot3", "slot4",
                                                                         "slot5", "slot6", "slot7"};
     io.number("count", slots.count, 1, FirmwareSlots::kMax);
+    static constexpr std::array<const char*, FirmwareSlots::kMax> kImageKeys{"image1", "image2", "image3", "image4",
+                                                                             "image5", "image6", "image7"};
+    io.flag("first_read_only", slots.first_read_only);
+    io.code("need", slots.need, kNeedWords);
     io.number("active", slots.active, 1, slots.count);
     io.number("next", slots.next, 0, slots.count);
+    io.text("overwritten", slots.overwritten, kRevisionMax);
     for (std::size_t i = 0; i < kKeys.size(); ++i) {
-        io.text(kKeys[i], slots.revisions[i], 8);
-        io.check(i < slots.count || slots.revisions[i].empty(), kKeys[i], "is beyond the 'count' of slots");
+        FirmwareContent& content = slots.contents[i];
+        io.text(kKeys[i], content.revision, kRevisionMax);
+        io.check(i < slots.count || content.revision.empty(), kKeys[i], "is beyond the 'count' of slots");
+        io.object(kImageKeys[i], [&](auto& inner) { describe(inner, content); });
     }
-    io.check(!slots.running().empty(), "active", "names a slot that is empty");
+    io.check(unnamed_may_run || !slots.running().empty(), "active", "names a slot that is empty");
+}
+
+template <class Io>
+void describe(Io& io, FirmwareDownload& download)
+{
+    struct Piece {
+        QRX_U32 offset = 0;
+        std::vector<QRX_U8> bytes;
+    };
+    std::vector<Piece> pieces;
+    if (!Io::kReads) {
+        for (const auto& [offset, bytes] : download.pieces) {
+            pieces.push_back({offset, bytes});
+        }
+    }
+    io.list("download", pieces, kAny32, [&](auto& inner, Piece& piece) {
+        inner.number("offset", piece.offset, 0, kImageMax);
+        inner.bytes("bytes", piece.bytes, kImageMax);
+        inner.check(!piece.bytes.empty(), "bytes", "is empty");
+        if (Io::kReads && !inner.failed()) {
+            inner.check(download.add(piece.offset, piece.bytes), "offset", "overlaps an earlier piece");
+        }
+    });
 }
 
 template <class Io>
@@ -304,6 +354,21 @@ void describe(Io& io, ForeignNamespace& ns, const Drive& drive)
     io.bytes("eui64", std::span(ns.eui64));
 }
 
+// What every NVMe device has. Drives may run firmware without a name.
+template <class Io>
+void describe_device(Io& io, NvmeFunction& function, bool unnamed_firmware)
+{
+    io.object("slots", [&](auto& inner) { describe(inner, function.slots, unnamed_firmware); });
+    describe(io, function.download);
+    io.object("health", [&](auto& inner) { describe(inner, function.health); });
+    io.object("errors", [&](auto& inner) { describe(inner, function.errors); });
+    io.object("feature_values", [&](auto& inner) { describe(inner, function.features); });
+    io.object("clock", [&](auto& inner) { describe(inner, function.clock); });
+}
+
+template <class Io>
+void describe_own_namespaces(Io& io, Drive& drive);
+
 template <class Io>
 void describe(Io& io, Drive& drive, const Controller& controller)
 {
@@ -324,13 +389,17 @@ void describe(Io& io, Drive& drive, const Controller& controller)
     }
     io.text("model", drive.model, sizeof(NVME_PD_Info::Model));
     io.text("serial", drive.serial, sizeof(NVME_PD_Info::SerialNo));
-    io.text("firmware", drive.firmware, sizeof(NVME_PD_Info::FWVersion));
+    if (Io::kReads) {  // in short for what "slots" and "health" say in full
+        io.text("firmware", drive.slots.contents[0].revision, sizeof(NVME_PD_Info::FWVersion));
+        io.number("temperature", drive.health.temperature, 0, kAny16);
+        io.number("critical_warning", drive.health.critical_warning, 0, kAny8);
+    }
     io.number("sector_size", drive.sector_size, 0, kAny16 + 1);
     io.number("sectors", drive.sectors, 0, kAny64);
     io.number("slot", drive.slot, 0, kAny16);
     io.number("nsid", drive.nsid, 0, kAny16);
-    io.number("temperature", drive.temperature, 0, kAny16);
-    io.number("critical_warning", drive.critical_warning, 0, kAny8);
+    describe_device(io, drive, true);
+    describe_own_namespaces(io, drive);
     io.flag("failed", drive.failed);
     io.flag("importable", drive.importable);
     io.list("foreign_namespaces", drive.foreign_namespaces, Controller::kMaxNamespaces,
@@ -467,6 +536,10 @@ void describe_extent(Io& io, Namespace& ns)
              "is " + std::to_string(ns.sector_size) + "; allowed are 512 and 4096");
     io.bytes("nguid", std::span(ns.nguid));
     io.bytes("eui64", std::span(ns.eui64));
+    io.number("sectors_read", ns.sectors_read, 0, kAny64);
+    io.number("sectors_written", ns.sectors_written, 0, kAny64);
+    io.number("host_reads", ns.host_reads, 0, kAny64);
+    io.number("host_writes", ns.host_writes, 0, kAny64);
     if (!io.failed()) {
         describe(io, ns.data, ns);
     }
@@ -484,6 +557,24 @@ void describe_nsid(Io& io, Namespace& ns, const NvmeFunction& function, QRX_U64 
                  "nsid", "is the id of an earlier namespace");
         ns.derive_identifiers(function.serial);
     }
+}
+
+template <class Io>
+void describe_own_namespaces(Io& io, Drive& drive)
+{
+    if (Io::kReads && !io.has("namespaces")) {
+        drive.make_default_namespace();
+        return;
+    }
+    io.list("namespaces", drive.namespaces, kAny8, [&](auto& inner, Namespace& ns) {
+        if (Io::kReads) {
+            ns.parent_kind = kNsParentPd;
+        }
+        describe_nsid(inner, ns, drive, kAny8 - 1);
+        inner.flag("active", ns.active);
+        describe_extent(inner, ns);
+    });
+    sort_by(drive.namespaces, &Namespace::nsid);
 }
 
 template <class Io>
@@ -549,11 +640,7 @@ void describe_identity(Io& io, NvmeFunction& function)
         function.subnqn = "nqn.2026-01.com.example:qrx:" + function.serial;
     }
     io.text("subnqn", function.subnqn, 223, true);
-    io.object("slots", [&](auto& inner) { describe(inner, function.slots); });
-    io.object("health", [&](auto& inner) { describe(inner, function.health); });
-    io.object("errors", [&](auto& inner) { describe(inner, function.errors); });
-    io.object("feature_values", [&](auto& inner) { describe(inner, function.features); });
-    io.object("clock", [&](auto& inner) { describe(inner, function.clock); });
+    describe_device(io, function, false);
 }
 
 template <class Io>
@@ -587,13 +674,6 @@ void describe(Io& io, EventList& events)
         }) == events.entries.end();
     io.check(ordered && (events.entries.empty() || events.entries.back().number <= events.count), "entries",
              "must have rising numbers up to 'count'");
-}
-
-template <class Items, class Key>
-void sort_by(Items& items, Key key)
-{
-    std::sort(items.begin(), items.end(),
-              [key](const auto& left, const auto& right) { return left.*key < right.*key; });
 }
 
 template <class Io>

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 
+#include "sim/firmware/health.h"
 #include "sim/firmware/text.h"
 
 namespace qrx::sim {
@@ -76,6 +77,34 @@ _nvme_id_ns Namespace::identify() const
     std::copy(eui64.begin(), eui64.end(), std::begin(id.eui64));
     id.lbaf[0].ds = static_cast<QRX_U8>(std::countr_zero(sector_size));
     return id;
+}
+
+_qrx_smart_log Namespace::health() const
+{
+    Health counted;
+    counted.sectors_read = sectors_read;
+    counted.sectors_written = sectors_written;
+    counted.host_reads = host_reads;
+    counted.host_writes = host_writes;
+    const _qrx_smart_log all = counted.log(0);
+    _qrx_smart_log log{};
+    std::copy(std::begin(all.data_units_read), std::end(all.data_units_read), std::begin(log.data_units_read));
+    std::copy(std::begin(all.data_units_written), std::end(all.data_units_written), std::begin(log.data_units_written));
+    std::copy(std::begin(all.host_reads), std::end(all.host_reads), std::begin(log.host_reads));
+    std::copy(std::begin(all.host_writes), std::end(all.host_writes), std::begin(log.host_writes));
+    return log;
+}
+
+void Namespace::count_read(QRX_U64 bytes)
+{
+    sectors_read += bytes / 512;
+    ++host_reads;
+}
+
+void Namespace::count_write(QRX_U64 bytes)
+{
+    sectors_written += bytes / 512;
+    ++host_writes;
 }
 
 NamespaceNode Namespace::node() const

@@ -27,6 +27,10 @@ struct Namespace {
     std::array<QRX_U8, 16> nguid{};
     std::array<QRX_U8, 8> eui64{};
     SparseStore data;
+    QRX_U64 sectors_read = 0;     // by hosts since it was made, of 512 bytes
+    QRX_U64 sectors_written = 0;  // likewise
+    QRX_U64 host_reads = 0;
+    QRX_U64 host_writes = 0;
 
     friend bool operator==(const Namespace&, const Namespace&) = default;
 
@@ -39,6 +43,10 @@ struct Namespace {
     [[nodiscard]] NVME_NS_Info record(QRX_U8 parent_status) const;
     [[nodiscard]] NMIC_Data sharing() const;
     [[nodiscard]] _nvme_id_ns identify() const;
+    // What has been read and written, as a health log in which everything else is 0.
+    [[nodiscard]] _qrx_smart_log health() const;
+    void count_read(QRX_U64 bytes);
+    void count_write(QRX_U64 bytes);
     [[nodiscard]] NamespaceNode node() const;
 };
 

@@ -47,6 +47,14 @@ Completion NvmeFunction::admin(const nvme_admin_cmd& command, std::span<QRX_U8> 
         return set_features(command, data);
     case admin::kNamespaceAttachment:
         return attaches_namespaces() ? attach(command, data) : complete(status::kInvalidOpcode);
+    case admin::kNamespaceManagement:
+        return manages_namespaces() ? manage(command, data) : complete(status::kInvalidOpcode);
+    case admin::kFirmwareDownload:
+        return download_firmware(command, data);
+    case admin::kFirmwareCommit:
+        return commit_firmware(command);
+    case admin::kFormat:
+        return formats() ? format(command) : complete(status::kInvalidOpcode);
     case admin::kAbort:
         return complete(status::kSuccess, 1);  // nothing is in flight: not aborted
     case admin::kAsynchronousEvent:
@@ -68,6 +76,16 @@ Completion NvmeFunction::vendor_admin(const nvme_admin_cmd& /*command*/, std::sp
 }
 
 Completion NvmeFunction::attach(const nvme_admin_cmd& /*command*/, std::span<const QRX_U8> /*data*/)
+{
+    return complete(status::kInvalidOpcode);
+}
+
+Completion NvmeFunction::manage(const nvme_admin_cmd& /*command*/, std::span<const QRX_U8> /*data*/)
+{
+    return complete(status::kInvalidOpcode);
+}
+
+Completion NvmeFunction::format(const nvme_admin_cmd& /*command*/)
 {
     return complete(status::kInvalidOpcode);
 }

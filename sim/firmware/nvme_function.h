@@ -9,6 +9,7 @@
 #include "sim/firmware/clock.h"
 #include "sim/firmware/error_log.h"
 #include "sim/firmware/features.h"
+#include "sim/firmware/firmware_download.h"
 #include "sim/firmware/firmware_slots.h"
 #include "sim/firmware/health.h"
 #include "sim/firmware/host.h"
@@ -33,6 +34,7 @@ public:
     std::string serial;  // at most 20 letters
     std::string subnqn;  // at most 223 letters
     FirmwareSlots slots;
+    FirmwareDownload download;  // the image that a host is sending
     Health health;
     ErrorLog errors;
     Features features;
@@ -48,6 +50,9 @@ public:
     [[nodiscard]] ControllerNode node() const;
     // Lets simulated time go by.
     void advance(Clock::Duration passed);
+    // Takes the power away and gives it back: the firmware that waits for it runs, a download that was not committed
+    // is lost, features and clock start anew.
+    void reset();
 
     // The namespace, or null. `of` may be const.
     template <class Function>
@@ -91,6 +96,22 @@ protected:
     [[nodiscard]] virtual bool attaches_namespaces() const { return false; }
     // Namespace Attachment, if attaches_namespaces().
     virtual Completion attach(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    // Namespaces can be made and deleted.
+    [[nodiscard]] virtual bool manages_namespaces() const { return false; }
+    // Namespace Management, if manages_namespaces().
+    virtual Completion manage(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    // Namespaces can be formatted, with sectors of 512 bytes as format 0 and of 4096 bytes as format 1.
+    [[nodiscard]] virtual bool formats() const { return false; }
+    // Format NVM, if formats().
+    virtual Completion format(const nvme_admin_cmd& command);
+    // Most bytes of a firmware image.
+    [[nodiscard]] virtual QRX_U64 firmware_limit() const { return QRX_U64{16} << 20; }
+    // The version that runs, in full, where the device knows it beside the slot's revision.
+    [[nodiscard]] virtual std::string firmware_version() const { return {}; }
+    // From now on firmware of this version runs.
+    virtual void take_version(const std::string& /*version*/) {}
+    // The part of a reset that concerns what is behind the function.
+    virtual void reset_back_end() {}
     // Whether what lies under the namespace can be read and written.
     [[nodiscard]] virtual bool in_service(const Namespace& /*ns*/) const { return true; }
 
@@ -101,10 +122,16 @@ private:
     Completion identify_descriptors(QRX_U32 nsid, std::span<QRX_U8> page) const;
     Completion identify_namespaces(QRX_U32 after, bool allocated, std::span<QRX_U8> page) const;
     [[nodiscard]] nvme_id_ctrl identify_controller() const;
+    [[nodiscard]] _nvme_id_ns identify_namespace(const Namespace& ns) const;
     Completion get_log_page(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
     [[nodiscard]] nvme_effects_log effects_log() const;
     Completion get_features(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
     Completion set_features(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    Completion download_firmware(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    Completion commit_firmware(const nvme_admin_cmd& command);
+    // Keeps the running version with the running image, before another takes its place.
+    void remember_version();
+    void run_firmware(unsigned target);
     Completion transfer(Namespace& target, const nvme_admin_cmd& command, std::span<QRX_U8> data);
     void log_error(QRX_U16 queue, const nvme_admin_cmd& command, const Completion& completion, QRX_U64 lba);
 };

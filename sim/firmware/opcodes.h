@@ -18,7 +18,11 @@ inline constexpr QRX_U8 kAbort = 0x08;
 inline constexpr QRX_U8 kSetFeatures = 0x09;
 inline constexpr QRX_U8 kGetFeatures = 0x0A;
 inline constexpr QRX_U8 kAsynchronousEvent = 0x0C;
+inline constexpr QRX_U8 kNamespaceManagement = 0x0D;
+inline constexpr QRX_U8 kFirmwareCommit = 0x10;
+inline constexpr QRX_U8 kFirmwareDownload = 0x11;
 inline constexpr QRX_U8 kNamespaceAttachment = 0x15;
+inline constexpr QRX_U8 kFormat = 0x80;
 }  // namespace admin
 
 namespace nvm {
@@ -35,6 +39,7 @@ inline constexpr QRX_U16 kReadAdapterInfo = 0x00E0;
 inline constexpr QRX_U16 kReadAdapterConfig = 0x01E0;
 inline constexpr QRX_U16 kWriteAdapterConfig = 0x02E0;
 inline constexpr QRX_U16 kSetTime = 0x03E0;
+inline constexpr QRX_U16 kActivateFirmware = 0x0BE0;
 inline constexpr QRX_U16 kReadHbaInfo = 0x0FE0;
 inline constexpr QRX_U16 kSetDebugLevel = 0x12E0;
 inline constexpr QRX_U16 kReadPdInfo = 0x00E1;
@@ -54,6 +59,7 @@ inline constexpr QRX_U16 kInitializeNs = 0x02E5;
 inline constexpr QRX_U16 kSetNsSharing = 0x03E5;
 inline constexpr QRX_U16 kCreateNs = 0x04E5;
 inline constexpr QRX_U16 kReadNsSharing = 0x05E5;
+inline constexpr QRX_U16 kReadNsHealth = 0x08E5;
 }  // namespace vendor
 
 // Whether the opcode's two low bits say that data goes to the device, or comes from it.

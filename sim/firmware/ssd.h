@@ -13,7 +13,7 @@ public:
         device_id = 0x0042;
         subsystem_vendor_id = 0xFADE;
         model = "Other Maker SSD 512GB";
-        slots.revisions[0] = "OM12.3";
+        slots.contents[0].revision = "OM12.3";
     }
 
     friend bool operator==(const Ssd&, const Ssd&) = default;

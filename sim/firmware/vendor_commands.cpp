@@ -49,6 +49,9 @@ Completion Controller::vendor_admin(const nvme_admin_cmd& command, std::span<QRX
     switch (command.opcode) {
     case kVendorRead:
         return vendor_read(command, data);
+    case kTunnelFromDrive:
+    case kTunnelToDrive:
+        return tunnel(command, data);
     case kPairSend:
         return pair_send(command, data);
     case kPairReceive:
@@ -86,6 +89,8 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return read_namespaces_of(static_cast<QRX_U8>(argument), data);
     case vendor::kReadNsSharing:
         return read_sharing(argument, data);
+    case vendor::kReadNsHealth:
+        return read_namespace_health(argument, data);
     default: {
         const std::optional<Verdict> verdict = carry_out(command);
         return verdict ? complete(*verdict) : complete(status::kInvalidField);
@@ -101,6 +106,8 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
     switch (static_cast<QRX_U16>(command.cdw12)) {
     case vendor::kWriteAdapterConfig:
         return set_config(static_cast<QRX_U8>(low), static_cast<QRX_U8>(low >> 8));
+    case vendor::kActivateFirmware:
+        return check_raw_image(command);
     case vendor::kSetDebugLevel:
         return set_debug_level(argument);
     case vendor::kImportNsTable:

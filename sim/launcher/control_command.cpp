@@ -22,6 +22,8 @@ constexpr auto kRows = std::to_array<Row>({
     {"fail-drive", "<id>", ControlArgument::text},
     {"replace-drive", "<id>", ControlArgument::text},
     {"remove-drive", "<id>", ControlArgument::text},
+    {"reset", "", ControlArgument::none},
+    {"firmware", "", ControlArgument::none},
     {"events", "", ControlArgument::none},
     {"show", "", ControlArgument::none},
     {"save", "<file>", ControlArgument::file_to_write},
@@ -114,6 +116,38 @@ std::string show(const Controller& controller)
                     std::to_string(ns.parent) + ", " + std::to_string(ns.sectors) + " sectors, " +
                     (ns.shared ? "shared, " : "private, ") + (ns.active ? "attached" : "not attached") + "\n";
         }
+    }
+    return text;
+}
+
+std::string show_slots(const std::string& name, const NvmeFunction& function)
+{
+    const FirmwareSlots& slots = function.slots;
+    std::string text = name + ": " + slots.running() + " runs, slot " + std::to_string(slots.active) +
+                       (slots.next != 0 ? ", next slot " + std::to_string(slots.next) : "") +
+                       (function.download.empty()
+                            ? ""
+                            : ", " + std::to_string(function.download.size()) + " bytes downloaded and not committed") +
+                       "\n";
+    for (unsigned slot = 1; slot <= slots.count; ++slot) {
+        const FirmwareContent& content = slots.contents[slot - 1];
+        text += "  slot " + std::to_string(slot) + ": " + (content.revision.empty() ? "empty" : content.revision);
+        if (content.size != 0) {
+            std::array<char, 64> detail{};
+            (void)std::snprintf(detail.data(), detail.size(), ", %lu bytes, CRC 0x%08lx",
+                                static_cast<unsigned long>(content.size), static_cast<unsigned long>(content.crc));
+            text += (content.version.empty() ? "" : ", version " + content.version) + detail.data();
+        }
+        text += std::string(content.revoked ? ", revoked" : "") + (slots.writable(slot) ? "" : ", read-only") + "\n";
+    }
+    return text;
+}
+
+std::string show_firmware(const Controller& controller)
+{
+    std::string text = show_slots("controller " + std::to_string(controller.number), controller);
+    for (const Drive& drive : controller.drives) {
+        text += show_slots("PD " + std::to_string(drive.id), drive);
     }
     return text;
 }
@@ -222,6 +256,13 @@ Result<std::string> carry_out(Machine& machine, const ControlRequest& request)
     if (request.command == "show") {
         return show(**controller);
     }
+    if (request.command == "firmware") {
+        return show_firmware(**controller);
+    }
+    if (request.command == "reset") {
+        (*controller)->reset();
+        return std::string();
+    }
     if (request.command == "events") {
         return list_events(**controller);
     }
@@ -239,6 +280,8 @@ another terminal give the socket that the other qrx_sim was started with, or the
   fail-drive <id>         make a drive fail
   replace-drive <id>      put a fresh drive in the place of another, or in an empty one
   remove-drive <id>       pull a drive
+  reset                   take the controller's power away and give it back: new firmware runs
+  firmware                what the firmware slots of controller and drives hold
   events                  what has happened, with the time since power-on
   show                    drives, virtual disks and namespaces, a line each
   save <file>             write the machine's state to a file

@@ -8,6 +8,7 @@
 #include "sim/firmware/factory.h"
 #include "sim/launcher/control_client.h"
 #include "sim/launcher/control_socket.h"
+#include "sim/launcher/image_command.h"
 #include "sim/launcher/machine_setup.h"
 #include "sim/launcher/options.h"
 #include "sim/launcher/program.h"
@@ -55,6 +56,8 @@ try {
         break;
     case Options::Action::control:
         return run_control(*options);
+    case Options::Action::make_image:
+        return run_make_image(*options);
     case Options::Action::run:
         return run(*options);
     }

@@ -138,10 +138,12 @@ Result<Options> parse_options(std::span<const char* const> words)
             return *std::move(failure);
         }
     }
-    if (options.action == Options::Action::run && !program_follows && at < words.size() &&
-        std::string_view(words[at]) == "ctl") {
-        options.action = Options::Action::control;
-        ++at;
+    if (options.action == Options::Action::run && !program_follows && at < words.size()) {
+        const std::string_view word = words[at];
+        if (word == "ctl" || word == "make-image") {
+            options.action = word == "ctl" ? Options::Action::control : Options::Action::make_image;
+            ++at;
+        }
     }
     for (const char* const word : words.subspan(at)) {
         options.program.command.emplace_back(word);
@@ -157,6 +159,7 @@ std::string_view usage()
 {
     return R"(Usage: qrx_sim [options] -- <program> [arguments]
        qrx_sim ctl <command>
+       qrx_sim make-image [options] <file>
 
 Runs a program on a machine with a simulated RAID controller. The program, and every program that it starts, finds
 the controller at /dev/nvme0, under /sys and in the SMBIOS tables; everything else is the real machine's.
@@ -178,6 +181,7 @@ the controller at /dev/nvme0, under /sys and in the SMBIOS tables; everything el
   qrx_sim --scenario jbof -- bash                  a shell on the simulated machine
   qrx_sim --state lab.json -- qrx_cli              the tool's own shell, with a machine that remembers
   qrx_sim ctl fail-drive 1                         in a program under qrx_sim: what happens in the lab; 'ctl help'
+  qrx_sim make-image --revision 2.5.0.1100 new.bin a firmware image to update with; 'make-image --help'
 
 Exit value: the program's own; 128 + signal when it was killed; 127 when it was not found, 126 when it could not be
 run, 125 for a failure of qrx_sim itself.

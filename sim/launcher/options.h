@@ -13,7 +13,7 @@
 namespace qrx::sim {
 
 struct Options {
-    enum class Action { run, control, help, list_scenarios, version };
+    enum class Action { run, control, make_image, help, list_scenarios, version };
 
     Action action = Action::run;
     std::string scenario;     // name or file; empty: the default
@@ -23,7 +23,7 @@ struct Options {
     std::string control;      // socket for `qrx_sim ctl`; empty: a place of its own
     bool clock_runs = true;   // simulated time follows the real one
     std::vector<Fault> faults;
-    ProgramOptions program;  // for `ctl` its command is the words behind "ctl"
+    ProgramOptions program;  // for `ctl` and `make-image` its command is the words behind that
 };
 
 // Reads the words behind the program's name. A failure says what is wrong and what is allowed.

@@ -2,11 +2,12 @@
 #include <array>
 #include <cstddef>
 
-#include "api/src/interface/agent.h"
 #include "api/src/interface/api.h"
+#include "api/src/interface/wire/nvme.h"
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/identify.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/report.h"
 
@@ -18,9 +19,6 @@ using qrx::Response;
 using qrx::vendorCommand;
 using qrx::info::Status;
 
-constexpr QRX_U8 kIdentify = 6;
-constexpr QRX_U32 kIdentifyController = 1;  // CNS
-constexpr std::size_t kCntlidOffset = 78;   // in Identify Controller data
 constexpr QRX_U8 kSubReadHbaInfo = 0x0F;
 constexpr std::size_t kSriovEnableOffset = 450;  // in the stored settings, which have no envelope
 constexpr QRX_U32 kWholePage = 1023;             // CDW10: dwords less 1
@@ -87,15 +85,12 @@ void getAdapterInfoSA(QRX_U8 adapterID, bool all)
 
 QRX_U16 get_hostID(QRX_U8 AdapterID)
 {
-    std::array<QRX_U8, qrx::wire::kPageSize> identify{};
-    QRX_U32 cdw[1] = {kIdentifyController};
-    const QRX_U32 status = QRX_Adapter_Admin(AdapterID, kIdentify, 0, cdw, 1, nullptr, 0, identify.data(),
-                                             static_cast<QRX_U16>(identify.size()));
-    if (status != 0) {
+    std::array<QRX_U8, qrx::wire::kPageSize> page{};
+    if (qrx::identify(0, qrx::kIdentifyController, page, AdapterID) != 0) {
         print("\nFailed to get controller.\n");
         return 0;
     }
-    return qrx::wire::read<QRX_U16>(identify, kCntlidOffset).value_or(0);
+    return qrx::wire::read<QRX_U16>(page, offsetof(nvme_id_ctrl, cntlid)).value_or(0);
 }
 
 QRX_U8 get_sriov_enable()

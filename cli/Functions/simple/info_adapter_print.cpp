@@ -9,6 +9,7 @@
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/device_text.h"
 #include "cli/Public/frame/lines.h"
 
 namespace {
@@ -120,7 +121,7 @@ void printSubnqn(const Lines& lines, QRX_U8 AdapterID)
     const char* stored = QRX_Adapter_GetDeviceSUBNQN(AdapterID);
     const std::string subnqn(stored, std::find(stored, stored + kSubnqnSize, '\0'));
     if (!subnqn.empty() && std::isprint(static_cast<unsigned char>(subnqn.front())) != 0) {
-        lines.text("SUBNQN:", subnqn.c_str());
+        lines.text("SUBNQN:", qrx::printable(subnqn).c_str());
     } else {
         lines.text("SUBNQN:",
                    getTotoalPDCnt(AdapterID) != 0 ? "Not found" : "Not found, make sure SSD is already installed");

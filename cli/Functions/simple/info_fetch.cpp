@@ -1,8 +1,6 @@
 // How `info` reads.
 #include "cli/Functions/simple/info_fetch.h"
 
-#include <algorithm>
-
 #include "cli/Public/frame/report.h"
 
 namespace qrx::info {
@@ -22,15 +20,6 @@ int fetch(const AdminCommand& command, std::initializer_list<unsigned> shown, Re
         }
     }
     return status;
-}
-
-std::string fieldText(std::span<const QRX_U8> field, std::size_t mostBlanks)
-{
-    auto first = field.begin();
-    for (std::size_t dropped = 0; dropped < mostBlanks && first != field.end() && *first == ' '; ++dropped) {
-        ++first;
-    }
-    return {first, std::find(first, field.end(), QRX_U8{0})};
 }
 
 }  // namespace qrx::info

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <initializer_list>
-#include <string>
 
 #include "api/src/interface/globals.h"
 #include "cli/Public/frame/admin_command.h"
@@ -18,10 +17,6 @@ enum class Status {
 // after. Returns the device's status.
 int fetch(const AdminCommand& command, std::initializer_list<unsigned> shown, Response& response, Status spoken,
           QRX_U8 adapter = gCurrentAdapter);
-
-// A fixed-size text field without its leading blanks, of which at most `mostBlanks` are dropped. It ends at the first
-// zero byte or at the end of the field.
-std::string fieldText(std::span<const QRX_U8> field, std::size_t mostBlanks = 0);
 
 // Prints from a list of namespaces the one with this NSID, or for kAllInstances those with one of the status bits,
 // and how many.

@@ -2,13 +2,14 @@
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/device_text.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/report.h"
 
 namespace {
 
+using qrx::fieldText;
 using qrx::print;
-using qrx::info::fieldText;
 
 // Leading blanks that each text may lose.
 constexpr std::size_t kModelBlanks = 15;

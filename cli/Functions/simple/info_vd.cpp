@@ -6,6 +6,7 @@
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/device_text.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/report.h"
@@ -132,7 +133,7 @@ void LD_PrintInfo(const NVME_VD_Info& vd)
 {
     const Lines lines(kWidth);
     lines.id("VD ID:", vd.ID);
-    lines.text("Name:", qrx::info::fieldText(vd.Name).c_str());
+    lines.text("Name:", qrx::fieldText(vd.Name).c_str());
     lines.text("Status:", statusWord(vd.Status));
     lines.yesNo("Importable:", vd.Importable == 1);
     lines.text("RAID Mode:", RaidModeStr(vd.RaidMode));

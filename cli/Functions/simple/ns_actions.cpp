@@ -10,6 +10,7 @@
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/identify.h"
 #include "cli/Public/frame/report.h"
 
 namespace qrx::ns {

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <span>
 #include <string_view>
 
-#include "api/src/interface/agent.h"
 #include "api/src/interface/globals.h"
 #include "api/src/interface/wire/nvme.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/identify.h"
 #include "cli/Public/frame/report.h"
 
 NSInfo* pGNSInfo = nullptr;
@@ -16,7 +17,6 @@ QRX_U16 gHostID = 0;
 
 namespace {
 
-constexpr QRX_U8 kIdentify = 6;
 constexpr QRX_U8 kSubListNs = 0;
 constexpr std::string_view kNoEui64 = "0000000000000000";
 
@@ -44,13 +44,6 @@ bool qrx::readNsList(Response& response)
     command.debug();
     (void)command.receive(response.bytes());  // the answer tells whether it came
     return response.isGood();
-}
-
-int qrx::identify(QRX_U32 nsid, QRX_U32 cns, std::span<QRX_U8, wire::kPageSize> page)
-{
-    std::fill(page.begin(), page.end(), QRX_U8{0});
-    return static_cast<int>(
-        QRX_Adapter_Admin(gCurrentAdapter, kIdentify, nsid, &cns, 1, nullptr, 0, page.data(), page.size()));
 }
 
 void initNSInfoStrcuture()

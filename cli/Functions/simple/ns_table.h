@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <span>
 
 #include "api/src/interface/wire/ns.h"
 #include "api/src/interface/wire/types.h"
@@ -54,10 +53,5 @@ private:
 // Reads the list of namespaces of the current controller; false, but for the status text in silence, when the answer is
 // not signed or refuses.
 bool readNsList(Response& response);
-
-// Identify of a namespace (0: of none) into a zeroed page. Returns the device's status.
-int identify(QRX_U32 nsid, QRX_U32 cns, std::span<QRX_U8, wire::kPageSize> page);
-inline constexpr QRX_U32 kIdentifyNamespace = 0;
-inline constexpr QRX_U32 kIdentifyController = 1;
 
 }  // namespace qrx

@@ -42,6 +42,12 @@ AdminCommand& AdminCommand::flag(QRX_U16 cdw_flag)
     return *this;
 }
 
+AdminCommand& AdminCommand::controlId(QRX_U16 control_id)
+{
+    record_.control_id = control_id;
+    return *this;
+}
+
 void AdminCommand::debug() const
 {
     for (const unsigned index : {0U, 10U, 11U, 12U, 13U, 14U, 15U}) {
@@ -65,16 +71,16 @@ int AdminCommand::send(QRX_U8 adapter) const
     return static_cast<int>(QRX_Adapter_PassthruAdmin(adapter, asInput(&record_), nullptr, 0, nullptr, 0, nullptr));
 }
 
-int AdminCommand::transmit(std::span<const QRX_U8> data, QRX_U8 adapter) const
+int AdminCommand::transmit(std::span<const QRX_U8> data, QRX_U8 adapter, QRX_U32* result) const
 {
     return static_cast<int>(QRX_Adapter_PassthruAdmin(adapter, asInput(&record_), asInput(data.data()),
-                                                      length(data.size()), nullptr, 0, nullptr));
+                                                      length(data.size()), nullptr, 0, result));
 }
 
-int AdminCommand::receive(std::span<QRX_U8> data, QRX_U8 adapter) const
+int AdminCommand::receive(std::span<QRX_U8> data, QRX_U8 adapter, QRX_U32* result) const
 {
     return static_cast<int>(
-        QRX_Adapter_PassthruAdmin(adapter, asInput(&record_), nullptr, 0, data.data(), length(data.size()), nullptr));
+        QRX_Adapter_PassthruAdmin(adapter, asInput(&record_), nullptr, 0, data.data(), length(data.size()), result));
 }
 
 int AdminCommand::receiveQuietly(std::span<QRX_U8> data, QRX_U8 adapter) const

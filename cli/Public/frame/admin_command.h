@@ -28,6 +28,8 @@ public:
     AdminCommand& word(unsigned index, QRX_U32 value);
     // Replaces cdw_flag where a command's value is not that of its words.
     AdminCommand& flag(QRX_U16 cdw_flag);
+    // Sets control_id, which stays in the host.
+    AdminCommand& controlId(QRX_U16 control_id);
 
     [[nodiscard]] const _qrx_admin_command_format& record() const { return record_; }
 
@@ -36,10 +38,13 @@ public:
     void debug(std::initializer_list<unsigned> words) const;
 
     // All return the device's status: 0, a positive NVMe status, -1 from the driver, 1 from a slot with no controller.
-    // The status text is printed, except by the quiet form, which is for probes. Data is at most 4096 bytes.
+    // The status text is printed, except by the quiet form, which is for probes. Data is at most 4096 bytes. `result`,
+    // if not null, gets Completion Dword 0.
     [[nodiscard]] int send(QRX_U8 adapter = gCurrentAdapter) const;
-    [[nodiscard]] int transmit(std::span<const QRX_U8> data, QRX_U8 adapter = gCurrentAdapter) const;
-    [[nodiscard]] int receive(std::span<QRX_U8> data, QRX_U8 adapter = gCurrentAdapter) const;
+    [[nodiscard]] int transmit(std::span<const QRX_U8> data, QRX_U8 adapter = gCurrentAdapter,
+                               QRX_U32* result = nullptr) const;
+    [[nodiscard]] int receive(std::span<QRX_U8> data, QRX_U8 adapter = gCurrentAdapter,
+                              QRX_U32* result = nullptr) const;
     [[nodiscard]] int receiveQuietly(std::span<QRX_U8> data, QRX_U8 adapter = gCurrentAdapter) const;
 
 private:

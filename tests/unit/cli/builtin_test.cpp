@@ -31,6 +31,8 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "help               :Get brief help for all commands or detail help for one command.\n"
                           "adapter            :Default NVMe Controller the following CLI commands refers to.\n"
                           "version            :Show API, CLI and support firmware version\n"
+                          "smart              :Get SSD backend RC/Slot SMART info.\n"
+                          "flash              :Update flash image.\n"
                           "info               :For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) "
                           "or Namespace(ns) information.\n"
                           "import             :For import VD\n"
@@ -40,8 +42,10 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "debuglv            :For switch debug level target\n"
                           "get                :For getting configuration information of NVMe Controller.\n"
                           "set                :For setting configuration parameters of NVMe Controller.\n"
+                          "passthru           :Passthrough NVMe admin command to backend device\n"
                           "vd                 :For VD create and delete\n"
-                          "ns                 :For namespace management\n" +
+                          "ns                 :For namespace management\n"
+                          "identify           :Get controller identify info.\n" +
                           expected::kHelpFoot + "\n";
 
 TEST(HelpTexts, AreExact)

@@ -164,9 +164,9 @@ TEST(CommandTables, HoldTheseRows)
         return names;
     };
     EXPECT_EQ(namesOf(generalCmdTableV1, generalCmdTableV1Size()),
-              (std::vector<std::string>{"?", "help", "adapter", "version", "info", "import", "init", "mp", "rebuild",
-                                        "debuglv", "get", "set", "vd", "ns"}));
-    EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()), (std::vector<std::string>{"--debug"}));
+              (std::vector<std::string>{"?", "help", "adapter", "version", "smart", "flash", "info", "import", "init",
+                                        "mp", "rebuild", "debuglv", "get", "set", "passthru", "vd", "ns", "identify"}));
+    EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()), (std::vector<std::string>{"--debug", "hotkey"}));
 }
 
 TEST(CommandTables, DispatchThroughTheRealTables)

@@ -327,6 +327,15 @@ TEST_F(InfoAdapter, AnUnprintableSubnqnIsNotShown)
     EXPECT_EQ(shown(), "SUBNQN:                              Not found");
 }
 
+TEST_F(InfoAdapter, ASubnqnIsShownWithoutItsControlCharacters)
+{
+    ScriptedMachine bare;
+    bare.addController({.path = "/dev/nvme1", .bdf = "03:00.00", .subnqn = "nqn\x1b[2J\x9b."});
+    bare.expect(settingsFetch().data(sriov(0)));
+    bare.expect(identify().data(hostId(0)));
+    EXPECT_NE(printed(someAdapter(), true).find("SUBNQN:                              nqn?[2J?.\n"), std::string::npos);
+}
+
 TEST_F(InfoAdapter, CountsPdsOfAControllerInTheRangeOfTheCurrentOne)
 {
     gCurrentAdapter = 1;

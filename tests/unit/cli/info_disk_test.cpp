@@ -186,6 +186,17 @@ TEST_F(InfoPd, LeadingBlanksAreLimited)
     EXPECT_EQ(lineOf(pd, "Firmware version:"), "");
 }
 
+TEST_F(InfoPd, ControlCharactersDoNotReachTheTerminal)
+{
+    NVME_PD_Info pd = somePd();
+    setText(pd.Model, "  \x1b[2Jdisk\x9b", '\0');
+    setText(pd.SerialNo, "\x07S\r", '\0');
+    setText(pd.FWVersion, " F\n\x7f", '\0');
+    EXPECT_EQ(lineOf(pd, "Model:"), "?[2Jdisk?");
+    EXPECT_EQ(lineOf(pd, "Serial:"), "?S?");
+    EXPECT_EQ(lineOf(pd, "Firmware version:"), "F??");
+}
+
 TEST_F(InfoPd, NumbersAtTheirEnds)
 {
     NVME_PD_Info pd = somePd();
@@ -381,6 +392,8 @@ TEST_F(InfoVd, AFullNameIsShownWhole)
     EXPECT_EQ(lineOf(vd, "Name:"), "0123456789abcdef");
     setText(vd.Name, "  two", '\0');
     EXPECT_EQ(lineOf(vd, "Name:"), "  two");
+    setText(vd.Name, "\x1b]0;x\x07", '\0');
+    EXPECT_EQ(lineOf(vd, "Name:"), "?]0;x?");
 }
 
 TEST_F(InfoVd, MoreMembersThanTheRecordHoldsEndWithIt)

@@ -6,8 +6,6 @@
 #include "api/src/interface/wire/nvme.h"
 #include "api/src/interface/wire/types.h"
 
-using QRX_ID_CONTROLLER = nvme_id_ctrl;
-
 // One system disk: an open block device of a namespace.
 struct _QRXSystemDisk;
 using QRXSystemDisk = _QRXSystemDisk;

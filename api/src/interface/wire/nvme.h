@@ -124,6 +124,8 @@ static_assert(offsetof(nvme_id_ctrl, nvscc) == 530);
 static_assert(offsetof(nvme_id_ctrl, sgls) == 536);
 static_assert(offsetof(nvme_id_ctrl, subnqn) == 768);
 static_assert(offsetof(nvme_id_ctrl, psd) == 2048);
+using QRX_IDENTIFY_CONTROLLER_DATA = nvme_id_ctrl;
+using QRX_ID_CONTROLLER = nvme_id_ctrl;
 
 // LBA format.
 struct nvme_lbaf {
@@ -132,6 +134,7 @@ struct nvme_lbaf {
     QRX_U8 rp;   // relative performance
 };
 static_assert(sizeof(nvme_lbaf) == 4);
+using QRX_NS_LBAF = nvme_lbaf;
 
 // Identify Namespace data.
 struct _nvme_id_ns {
@@ -170,6 +173,8 @@ static_assert(offsetof(_nvme_id_ns, nguid) == 104);
 static_assert(offsetof(_nvme_id_ns, eui64) == 120);
 static_assert(offsetof(_nvme_id_ns, lbaf) == 128);
 static_assert(offsetof(_nvme_id_ns, vs) == 384);
+using _QRX_ID_NS = _nvme_id_ns;
+using QRX_ID_NS = _nvme_id_ns;
 
 // SMART / Health Information log page (log 2). 16-byte counters are little-endian.
 struct _qrx_smart_log {

@@ -309,7 +309,7 @@ TEST(Scenarios, GalleryHasTheTextsOfExtremeLengths)
     EXPECT_EQ(drives[6].model.size(), 40U);
     EXPECT_EQ(drives[6].model.find(' '), std::string::npos);
     EXPECT_EQ(drives[6].serial.size(), 20U);
-    EXPECT_EQ(drives[6].firmware.size(), 8U);
+    EXPECT_EQ(drives[6].slots.running().size(), 8U);
     EXPECT_EQ(drives[7].model.find_first_not_of(' '), 3U);
     EXPECT_EQ(drives[8].model.find_first_not_of(' '), 16U);
     EXPECT_EQ(rig.controller(2).subnqn, "\1");

@@ -1,0 +1,16 @@
+// `passthru`: any admin command of the NVMe standard to a drive behind the controller.
+#pragma once
+
+#include <span>
+
+#include "api/src/interface/wire/command.h"
+#include "api/src/interface/wire/types.h"
+#include "cli/Public/common.h"
+
+extern const char passthru_help[];
+
+int doPassthru(int argc, char** argv, PCommand_Info pCmdInfo);
+
+// Prints CDW0 to CDW15 as they go out. The data's address (its low 32 bits) and length stand in the place of words 7
+// and 9, as the driver will see them.
+void _showCommandFormat(const _qrx_admin_command_format& pCmd, std::span<const QRX_U8> data);

@@ -1,0 +1,232 @@
+// The operations of `hotkey`.
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+
+#include "api/src/interface/api.h"
+#include "api/src/interface/wire/pd.h"
+#include "api/src/interface/wire/vd.h"
+#include "cli/Functions/simple/simple_hotkey.h"
+#include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/report.h"
+#include "cli/Public/frame/tunnel.h"
+
+namespace {
+
+using qrx::print;
+using qrx::refuse;
+using qrx::Response;
+using qrx::vendorCommand;
+
+constexpr QRX_U8 kSubCreateVd = 3;
+constexpr QRX_U8 kSubDeleteVd = 4;
+constexpr QRX_U8 kSubReadRegister = 9;
+constexpr QRX_U8 kPdZero = 255;          // how PD 0 is written where 0 marks an empty entry
+constexpr QRX_U32 kEraseUserData = 512;  // CDW10 of Format NVM: Secure Erase Settings 1
+
+// The members of the first `freeDrive` entries. The bits of the earlier ones are shifted in with each.
+QRX_U32 memberBitmap(const FreePDs& PDIDs, QRX_U8 freeDrive)
+{
+    QRX_U32 bitmap = 0;
+    for (const QRX_U8 entry : PDIDs) {
+        if (freeDrive == 0) {
+            break;
+        }
+        if (entry != 0) {
+            bitmap |= (bitmap | 1) << (entry == kPdZero ? 0 : entry);
+            --freeDrive;
+        }
+    }
+    return bitmap;
+}
+
+// One byte of standard input; nothing at its end. Not a byte more is taken: what follows may be the shell's.
+int readKey()
+{
+    unsigned char key = 0;
+    ssize_t got = 0;
+    do {
+        got = ::read(STDIN_FILENO, &key, 1);
+    } while (got < 0 && errno == EINTR);
+    return got == 1 ? key : EOF;
+}
+
+// The first character of a line, of which nothing is left; the line end for an empty line, EOF at the end of input.
+int readAnswer()
+{
+    const int first = readKey();
+    for (int key = first; key != '\n' && key != EOF;) {
+        key = readKey();
+    }
+    return first;
+}
+
+bool isConfirmed()
+{
+    print(qrx::isJbof(qrx::recordOf(gCurrentAdapter)) ? "The data of PD will be lost.\n"
+                                                      : "If PD is a member of VD, the data of VD will be lost.\n");
+    print("Are you sure you want to secure erase this disk? (y or n)\n");
+    for (;;) {
+        (void)std::fflush(stream);
+        switch (readAnswer()) {
+        case 'y':
+        case 'Y':
+            return true;
+        case EOF:  // nobody is there to answer
+        case 'n':
+        case 'N':
+            print("Cancel secure erase command.\n");
+            return false;
+        default:
+            print("Please input y or n.\n");
+        }
+    }
+}
+
+struct Port {
+    QRX_U8 type;
+    std::ptrdiff_t number;  // among those of its type
+    QRX_U8 id;
+    QRX_U32 address;  // of its link status
+};
+constexpr std::array<Port, 6> kPorts{{{kPcieEndPoint, 0, 0, 0xE3203148},
+                                      {kPcieEndPoint, 1, 1, 0xE3403148},
+                                      {kPcieRootComplex, 0, 2, 0xE2203148},
+                                      {kPcieRootComplex, 1, 3, 0xE2403148},
+                                      {kPcieRootComplex, 2, 4, 0xE2603148},
+                                      {kPcieRootComplex, 3, 5, 0xE2803148}}};
+
+bool showPorts(const NVME_Adapter_Info& record)
+{
+    const auto first = std::begin(record.PCIeInfo);
+    const auto last = std::find_if(first, std::end(record.PCIeInfo),
+                                   [](const NVME_PCIe_Info& port) { return port.Type == kPcieEndOfList; });
+    bool good = true;
+    for (const Port& port : kPorts) {
+        const auto count =
+            std::count_if(first, last, [&](const NVME_PCIe_Info& candidate) { return candidate.Type == port.type; });
+        if (count > port.number) {
+            good = showRCEP(port.id, port.address) == 0 && good;
+        }
+    }
+    return good;
+}
+
+}  // namespace
+
+int hotkey_createVD(QRX_U8 raidMode, QRX_U8 freeDrive, QRX_U8 sbs)
+{
+    constexpr QRX_U8 kMembersOfRaid10 = 4;
+    FreePDs PDIDs{};
+    if (freeDrive > getFreePDs(PDIDs)) {
+        (void)std::puts("Not enough free drive(s)");
+        return 1;
+    }
+    const QRX_U8 mode = raidMode == kRaid1 && freeDrive == kMembersOfRaid10 ? kRaid10 : raidMode;
+    return qrx::carryOut(vendorCommand(kGroupVd, kSubCreateVd, static_cast<QRX_U16>(sbs | mode << 8))
+                             .word(13, memberBitmap(PDIDs, freeDrive))
+                             .word(14, 1),
+                         "cmd failed.\n", "cmd success\n");
+}
+
+QRX_U8 getFreePDs(FreePDs& PDIDs)
+{
+    const NVME_Adapter_Info& record = qrx::recordOf(gCurrentAdapter);
+    const std::size_t range = std::min<std::size_t>(PDIDs.size(), std::size_t{record.MaxPD} * record.PortCount);
+    QRX_U8 found = 0;
+    for (std::size_t id = 0; id < range; ++id) {
+        if (_getPDInfo(static_cast<QRX_U16>(id)) != 0) {
+            PDIDs.at(id) = id == 0 ? kPdZero : static_cast<QRX_U8>(id);
+            ++found;
+        }
+    }
+    return found;
+}
+
+QRX_U8 _getPDInfo(QRX_U16 HDID)
+{
+    Response response;
+    (void)vendorCommand(kGroupPd, 0).word(14, HDID).receiveQuietly(response.bytes());  // the answer decides
+    const auto pd = response.record<NVME_PD_Info>();
+    if (!response.isGood() || !pd) {
+        if (dbg_enable != 0) {
+            print("Get PD info from ID: %d fail\n", HDID);
+        }
+        return 0;
+    }
+    return (pd->Status & kPdAssigned) == 0 ? 1 : 0;
+}
+
+int hotkey_deleteVD()
+{
+    const QRX_U8 range = qrx::recordOf(gCurrentAdapter).MaxVD;
+    int result = 1;
+    for (QRX_U16 index = 0; index < range; ++index) {
+        if (const int id = getVDID(index); id >= 0) {
+            (void)do_sdeleteVDID(static_cast<QRX_U16>(id));
+            result = 0;
+        }
+    }
+    return result == 0 ? 0 : refuse(result, "No virtual disk is found.\n");
+}
+
+int getVDID(QRX_U16 index)
+{
+    Response response;
+    (void)vendorCommand(kGroupVd, 0).word(14, index).receive(response.bytes());  // the answer decides
+    const auto vd = response.record<NVME_VD_Info>();
+    return response.isGood() && vd ? vd->ID : -1;
+}
+
+int do_sdeleteVDID(QRX_U16 id)
+{
+    const int status = vendorCommand(kGroupVd, kSubDeleteVd, id).send();
+    return refuse(status, status != 0 ? "delete VD ID %d cmd failed.\n" : "delete VD ID %d success\n", id);
+}
+
+int hotkey_erasePD(QRX_U16 pdID, bool waiveconfirmation)
+{
+    if (!waiveconfirmation && !isConfirmed()) {
+        return 0;
+    }
+    std::fprintf(stdout, "Erase PD ID: %d\n", pdID);
+    const auto command = qrx::tunnelToDrive(pdID, qrx::kDriveFormat).word(10, kEraseUserData).word(15, 1);
+    command.debug({0, 1, 10, 14, 15});
+    return command.send();
+}
+
+int hotkey_read_RC_EP()
+{
+    Response response;
+    const bool read = _getAdapterInfo(gCurrentAdapter, response) == 0;
+    const auto record = response.record<NVME_Adapter_Info>();
+    if (!read || !record || !showPorts(*record)) {
+        (void)std::puts("rc or ep fail");
+        return 1;
+    }
+    return 0;
+}
+
+int _getAdapterInfo(QRX_U8 adapter, Response& buffer)
+{
+    if (adapter >= QRX_Adapter_GetCount() ||
+        vendorCommand(kGroupAdapter, 0).word(14, 0).receive(buffer.bytes(), adapter) != 0) {
+        return refuse(1, "\nUnable to get info of Adapter\n");
+    }
+    if (buffer.status() != 0) {
+        return refuse(1, "\nUnable to get info of Adapter, cmd_status:0x%x\n", buffer.status());
+    }
+    return 0;
+}
+
+int showRCEP(QRX_U8 id, QRX_U32 address)
+{
+    std::array<QRX_U8, 4> data{};
+    const int status = vendorCommand(kGroupAdapter, kSubReadRegister, id).word(10, 0).word(13, address).receive(data);
+    if (status == 0) {
+        print("%x : 0x%x\n", address, qrx::wire::read<QRX_U32>(data).value_or(0));
+    }
+    return status;
+}

@@ -1,0 +1,123 @@
+"""`identify` and `smart` against what nvme-cli reads from the same simulated controller, field by field.
+
+    QRX_BIN=build/release/bin /usr/bin/python3 agreement_test.py [Agreement.test_...]
+"""
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+BIN = pathlib.Path(os.environ["QRX_BIN"]).resolve()
+ENVIRONMENT = os.environ | {"PATH": f"{BIN}:/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C"}
+HAVE_NVME = shutil.which("nvme", path=ENVIRONMENT["PATH"]) is not None
+TIMEOUT = 60
+KELVIN = 273
+
+# A controller of which no two fields are equal, as far as they can be told apart.
+MACHINE = {
+    "controllers": [{
+        "model": "MODEL OF CONTROLLER", "serial": "SERIAL-17", "subnqn": "nqn.2026-01.test:agreement",
+        "adapter": {"subsystem_vendor_id": 0x1234, "max_ns": 21},
+        "slots": {"count": 5, "first_read_only": True, "active": 2, "slot1": "FIRST", "slot2": "REV.0002"},
+        "health": {"critical_warning": 0x15, "temperature": 322, "spare": 23, "spare_threshold": 24, "used": 25,
+                   "sectors_read": 26001, "sectors_written": 27002000, "host_reads": 28, "host_writes": 29,
+                   "busy_minutes": 30, "power_cycles": 31, "power_on_ms": 32 * 3600000, "unsafe_shutdowns": 33,
+                   "media_errors": 34, "warning_minutes": 35, "critical_minutes": 36},
+        "drives": [{"id": 0}, {"id": 1, "sectors": 976773168}, {"id": 2}],
+        "virtual_disks": [{"id": 0, "raid_mode": "raid1", "members": [0, 1]}],
+        "namespaces": [{"nsid": 3, "parent_id": 0, "shared": True}],
+    }]
+}
+
+
+@unittest.skipUnless(HAVE_NVME, "nvme-cli is not installed")
+class Agreement(unittest.TestCase):
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        self.directory = directory.name
+        (pathlib.Path(self.directory) / "machine.json").write_text(json.dumps(MACHINE))
+
+    def on_machine(self, *words):
+        done = subprocess.run(["qrx_sim", "--scenario", "machine.json", "--clock", "stopped", "--", *words],
+                              cwd=self.directory, env=ENVIRONMENT, timeout=TIMEOUT, text=True, capture_output=True,
+                              check=False)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        return done.stdout
+
+    def told(self, *words):
+        """What the tool tells: a dictionary of the labels and the texts behind them."""
+        lines = self.on_machine("qrx_cli", *words).splitlines()
+        pairs = (line.partition(":") for line in lines)
+        return {label.strip(): value.strip(" ") for label, colon, value in pairs if colon}
+
+    def read(self, *words):
+        return json.loads(self.on_machine("nvme", *words, "-o", "json"))
+
+    def test_identify_controller(self):
+        told = self.told("identify", "-c", "1")
+        read = self.read("id-ctrl", "/dev/nvme0")
+        expected = {label: hex(read[key]) for label, key in (
+            ("VID", "vid"), ("SSVID", "ssvid"), ("RAB", "rab"), ("MIC", "cmic"), ("MDTS", "mdts"), ("OACS", "oacs"),
+            ("ACL", "acl"), ("AERL", "aerl"), ("FRMW", "frmw"), ("LPA", "lpa"), ("ELPE", "elpe"), ("NPSS", "npss"),
+            ("AVSCC", "avscc"), ("SQES", "sqes"), ("CQES", "cqes"), ("NN", "nn"), ("ONCS", "oncs"), ("FUSES", "fuses"),
+            ("FNA", "fna"), ("VWC", "vwc"), ("AWUN", "awun"), ("AWUPF", "awupf"), ("NVSCC", "icsvscc"),
+            ("ACWU", "acwu"), ("SQLS", "sgls"))}
+        expected |= {"SN": read["sn"].rstrip(), "MN": read["mn"].rstrip(), "FR": read["fr"].rstrip()}
+        expected |= {f"IEEE[{i}]": hex(read["ieee"] >> 8 * i & 0xFF) for i in range(3)}
+        for label in ("TNVMCAP", "UNVMCAP"):
+            capacity = int(read[label.lower()])
+            expected |= {f"{label}_LOW": hex(capacity & (1 << 64) - 1), f"{label}_HIGH": hex(capacity >> 64),
+                         f"{label}(Bytes)": str(capacity & (1 << 32) - 1), f"{label}(GB)": str(capacity >> 30)}
+        expected["SUBNQN"] = read["subnqn"].ljust(60) + "0"
+        told = {label: value for label, value in told.items() if not label.startswith("NVME")}
+        self.assertEqual(told, expected)
+        self.assertEqual((told["FR"], told["FRMW"], told["SSVID"]), ("REV.0002", "0xb", "0x1234"))
+
+    def test_identify_namespace(self):
+        told = self.told("identify", "-c", "0", "-n", "3")
+        read = self.read("id-ns", "/dev/nvme0", "-n", "3")
+        expected = {label: hex(read[label.lower()]) for label in (
+            "NSZE", "NCAP", "NUSE", "NSFEAT", "nlbaf", "flbas", "mc", "dpc", "dps", "nmic", "rescap", "fpi", "dlfeat",
+            "nawun", "nawupf", "nacwu")}
+        identifier = bytes.fromhex(read["eui64"])
+        expected |= {f"eui64[{i}]": hex(byte) for i, byte in enumerate(identifier)}
+        expected |= {label: hex(read["lbafs"][0][label.lower()]) for label in ("MS", "DS", "RP")}
+        self.assertEqual(told, expected)
+
+    def test_health(self):
+        told = self.told("smart", "-o", "hba")
+        read = self.read("smart-log", "/dev/nvme0")
+        expected = {
+            "Critical Warning": f"0x{read['critical_warning']:02x}",
+            "Composite Temperature": f"{read['temperature'] - KELVIN} Celsius",
+            "Available Spare": f"{read['avail_spare']}%",
+            "Available Spare Threshold": f"{read['spare_thresh']}%",
+            "Percentage Used": f"{read['percent_used']}%",
+        }
+        self.assertEqual({label: value for label, value in told.items() if label in expected}, expected)
+        self.assertEqual(told["Composite Temperature"], "49 Celsius")
+
+    def test_all_counters_of_the_health_log(self):
+        """The tool shows them for a drive; nvme-cli reads the same drive's log through the tunnel."""
+        told = self.told("smart", "-i", "1")
+        dump = self.on_machine("nvme", "admin-passthru", "/dev/nvme0", "-o", "0xc2", "-n", "1", "--cdw10=0x7f0002",
+                               "--cdw14=2", "--cdw15=0xffffffff", "-l", "512", "-r")
+        log = bytes.fromhex("".join(re.findall(r"^[0-9a-f]{4}: ((?:[0-9a-f]{2} ){16})", dump, re.MULTILINE)))
+        self.assertEqual(len(log), 512)
+        at = {"Host Read Commands": 64, "Host Write Commands": 80, "Controller Busy Time": 96, "Power Cycles": 112,
+              "Power On Hours": 128, "Unsafe Shutdowns": 144, "Media and Data Integrity Errors": 160,
+              "Num Err Log Entries": 176}
+        for label, offset in at.items():
+            self.assertEqual(told[label], str(int.from_bytes(log[offset:offset + 16], "little")), label)
+        units = int.from_bytes(log[32:48], "little")
+        self.assertTrue(told["Data Units Read"].startswith(f"{units} ("), told["Data Units Read"])
+        self.assertGreater(units, 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
