@@ -57,7 +57,7 @@ const std::string kCancel = "Cancel secure erase command.\n";
 class HotkeyCommand : public StorageTest {
 protected:
     // PDs 0 to the last one named, of which those named are free.
-    void expectPds(std::size_t count, const std::vector<QRX_U16>& free)
+    void expectPds(QRX_U16 count, const std::vector<QRX_U16>& free)
     {
         current().MaxPD = static_cast<QRX_U8>(count);
         current().PortCount = 1;
@@ -257,9 +257,10 @@ TEST_F(HotkeyCommand, AsksFirst)
         machine.expect(erase(0));
         EXPECT_EQ(command({"hotkey", "-k", "s"}), (Outcome{0, kRaidWarning + kQuestion, "Erase PD ID: 0\n"})) << answer;
     }
+    const std::string refused = kRaidWarning + kQuestion + kCancel;
     for (const char* answer : {"n\n", "N\n", "no\n", "never mind"}) {
         const Input input(answer);
-        EXPECT_EQ(command({"hotkey", "-k", "s"}), (Outcome{0, kRaidWarning + kQuestion + kCancel})) << answer;
+        EXPECT_EQ(command({"hotkey", "-k", "s"}), (Outcome{0, refused})) << answer;
     }
 }
 
