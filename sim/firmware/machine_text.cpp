@@ -24,9 +24,18 @@ void describe(Io& io, Ssd& ssd, const Machine::Parts& machine)
     });
 }
 
+// A system on a disk that is no NVMe device.
+constexpr const char* kMounts =
+    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0\n"
+    "/dev/sda2 / ext4 rw,relatime 0 0\n"
+    "/dev/sda1 /boot vfat rw,relatime 0 0\n";
+
 template <class Io>
 void describe(Io& io, Machine::Parts& machine)
 {
+    if (Io::kReads) {
+        machine.mount_table = kMounts;
+    }
     io.lines("mount_table", machine.mount_table);
     io.list("controllers", machine.controllers, kMaxDevices,
             [&](auto& inner, Controller& controller) { describe(inner, controller, machine); });
