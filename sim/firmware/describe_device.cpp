@@ -32,6 +32,10 @@ void describe(Io& io, Health& health)
     io.number("media_errors", health.media_errors, 0, kAny64);
     io.number("warning_minutes", health.warning_minutes, 0, kAny32);
     io.number("critical_minutes", health.critical_minutes, 0, kAny32);
+    io.number("throttle1_count", health.throttle1_count, 0, kAny32);
+    io.number("throttle2_count", health.throttle2_count, 0, kAny32);
+    io.number("throttle1_seconds", health.throttle1_seconds, 0, kAny32);
+    io.number("throttle2_seconds", health.throttle2_seconds, 0, kAny32);
 }
 
 template <class Io>
