@@ -143,7 +143,7 @@ TEST_F(FlashController, WhatIsNoReadableFileIsRefused)
                                     std::string("/dev/zero"), std::string("/forbidden")}) {
         EXPECT_EQ(flash(path), (Outcome{1, "failed to open file " + path + "\n" + kStartRefused}));
     }
-    EXPECT_EQ(flash(""), refusedByWorker);
+    EXPECT_EQ(flash(""), (Outcome{1, "flash: option -f is required\n"}));
     EXPECT_EQ(flash("'x'"), (Outcome{1, std::string("failed to open file 'x'\n") + kStartRefused,
                                      "Please use double quotation mark to include strings.\n"}));
 }

@@ -180,7 +180,7 @@ TEST_F(FlashDisk, AnEmptyFileIsRefused)
 TEST_F(FlashDisk, AnEmptyNameIsNoImageToCommit)
 {
     for (const char* ca : {"0", "1", "4", "7"}) {
-        EXPECT_EQ(flash("", ca), (Outcome{1, "failed to open file \n"}));
+        EXPECT_EQ(flash("", ca), (Outcome{1, "flash: option -f is required\n"})) << ca;
     }
     machine.expect(diskCommit(1 | 3 << 3));
     EXPECT_EQ(flash("\"\"", "3"), (Outcome{0, "flash NVMe Controller firmware success\n"}));
