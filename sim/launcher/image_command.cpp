@@ -15,7 +15,7 @@
 namespace qrx::sim {
 namespace {
 
-constexpr std::string_view kUsage =
+constexpr std::string_view kImageUsage =
     R"(Usage: qrx_sim make-image [--revision <version>] [--raw plain|digit|no-digit] [--size <bytes>] [--revoked] <file>
 
 Makes a firmware image. The same words make the same bytes.
@@ -105,6 +105,11 @@ int complain(const std::string& text)
 
 }  // namespace
 
+std::string_view image_usage()
+{
+    return kImageUsage;
+}
+
 int run_make_image(const Options& options)
 {
     const Result<Wanted> wanted = read_words(options.program.command);
@@ -112,7 +117,7 @@ int run_make_image(const Options& options)
         return complain(wanted.error());
     }
     if (wanted->help) {
-        std::cout << kUsage;
+        std::cout << kImageUsage;
         return std::cout.flush() ? 0 : kExitOwnFailure;
     }
     const Result<std::vector<QRX_U8>> image = make_image(wanted->plan);

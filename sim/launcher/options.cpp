@@ -1,5 +1,6 @@
 #include "sim/launcher/options.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <utility>
@@ -11,7 +12,8 @@ using Store = std::optional<Failure> (*)(Options&, std::string_view value);
 
 struct Row {
     std::string_view name;
-    std::string_view value;  // what it takes, or empty for an option without value
+    std::string_view value;    // what it takes, or empty for an option without value
+    std::string_view meaning;  // as --help tells it
     Store store;
 };
 
@@ -62,29 +64,67 @@ std::optional<Failure> store_action(Options& options, std::string_view)
 }
 
 constexpr std::array<Row, 12> kRows = {{
-    {"--scenario", "<name|file>", store_text<&Options::scenario>},
-    {"--state", "<file>", store_text<&Options::state_file>},
-    {"--trace", "<file>", store_text<&Options::trace_file>},
-    {"--mtab", "<file>", store_text<&Options::mount_table>},
-    {"--fault", "<what>", store_fault},
-    {"--transport", "<auto|seccomp|preload>", store_transport},
-    {"--clock", "<running|stopped>", store_clock},
-    {"--control", "<socket>", store_text<&Options::control>},
-    {"--verbose", "",
+    {"--scenario", "<name|file>", "the machine to simulate: a name of --list-scenarios, or a file (default: raid)",
+     store_text<&Options::scenario>},
+    {"--state", "<file>", "keep the machine's state there from run to run; a missing file starts with the scenario",
+     store_text<&Options::state_file>},
+    {"--trace", "<file>", "write each command down, decoded, one line each", store_text<&Options::trace_file>},
+    {"--mtab", "<file>", "the mount table that programs find at /etc/mtab", store_text<&Options::mount_table>},
+    {"--fault", "<what>", "make commands fail, such as nth=3,status=0x706; may be given more than once", store_fault},
+    {"--transport", "<auto|seccomp|preload>",
+     "how programs reach the machine (default: auto, the first way that works)", store_transport},
+    {"--clock", "<running|stopped>",
+     "simulated time: running as the real one does (default), or stopped but for 'ctl advance'", store_clock},
+    {"--control", "<socket>", "where 'qrx_sim ctl' of another terminal reaches this machine",
+     store_text<&Options::control>},
+    {"--verbose", "", "say which way is taken",
      [](Options& options, std::string_view) {
          options.program.verbose = true;
          return std::optional<Failure>();
      }},
-    {"--help", "", store_action<Options::Action::help>},
-    {"--list-scenarios", "", store_action<Options::Action::list_scenarios>},
-    {"--version", "", store_action<Options::Action::version>},
+    {"--list-scenarios", "", "list the machines that can be simulated", store_action<Options::Action::list_scenarios>},
+    {"--version", "", "print the version", store_action<Options::Action::version>},
+    {"--help", "", "print this page", store_action<Options::Action::help>},
 }};
+
+constexpr std::string_view kUsageHead = R"(Usage: qrx_sim [options] -- <program> [arguments]
+       qrx_sim ctl <command>
+       qrx_sim make-image [options] <file>
+
+Runs a program on a machine with a simulated RAID controller. The program, and every program that it starts, finds
+the controller at /dev/nvme0, under /sys and in the SMBIOS tables; everything else is the real machine's.
+
+)";
+
+constexpr std::string_view kUsageTail = R"(
+  qrx_sim -- qrx_cli info -o hba                     one command
+  qrx_sim --scenario jbof -- bash                    a shell on the simulated machine
+  qrx_sim --state lab.json -- qrx_cli                the tool's own shell, with a machine that remembers
+  qrx_sim ctl fail-drive 1                           in a program under qrx_sim: what happens in the lab; 'ctl help'
+  qrx_sim make-image --revision 2.5.0.1100 new.bin   a firmware image to update with; 'make-image --help'
+
+Exit value: the program's own; 128 + signal when it was killed; 127 when it was not found, 126 when it could not be
+run, 125 for a failure of qrx_sim itself.
+)";
 
 std::string known_options()
 {
     std::string text;
     for (const Row& row : kRows) {
         text += (text.empty() ? "" : ", ") + std::string(row.name);
+    }
+    return text;
+}
+
+// The options as --help tells them.
+std::string option_lines()
+{
+    constexpr std::size_t kMeaningAt = 39;
+    std::string text;
+    for (const Row& row : kRows) {
+        std::string line = "  " + std::string(row.name) + (row.value.empty() ? "" : " ") + std::string(row.value);
+        line.resize(std::max(line.size() + 2, kMeaningAt), ' ');
+        text += line + std::string(row.meaning) + "\n";
     }
     return text;
 }
@@ -157,35 +197,8 @@ Result<Options> parse_options(std::span<const char* const> words)
 
 std::string_view usage()
 {
-    return R"(Usage: qrx_sim [options] -- <program> [arguments]
-       qrx_sim ctl <command>
-       qrx_sim make-image [options] <file>
-
-Runs a program on a machine with a simulated RAID controller. The program, and every program that it starts, finds
-the controller at /dev/nvme0, under /sys and in the SMBIOS tables; everything else is the real machine's.
-
-  --scenario <name|file>   the machine to simulate: a name of --list-scenarios, or a file (default: raid)
-  --state <file>           keep the machine's state there from run to run; a missing file starts with the scenario
-  --trace <file>           write each command down, decoded, one line each
-  --fault <what>           make commands fail, such as nth=3,status=0x706; may be given more than once
-  --mtab <file>            the mount table that programs find at /etc/mtab
-  --transport <way>        how programs reach the machine: seccomp, preload, or auto (default: the first that works)
-  --clock <how>            simulated time: running as the real one does (default), or stopped but for 'ctl advance'
-  --control <socket>       where 'qrx_sim ctl' of another terminal reaches this machine
-  --verbose                say which way is taken
-  --list-scenarios         list the machines that can be simulated
-  --version                print the version
-  --help                   print this page
-
-  qrx_sim -- qrx_cli info -o hba                   one command
-  qrx_sim --scenario jbof -- bash                  a shell on the simulated machine
-  qrx_sim --state lab.json -- qrx_cli              the tool's own shell, with a machine that remembers
-  qrx_sim ctl fail-drive 1                         in a program under qrx_sim: what happens in the lab; 'ctl help'
-  qrx_sim make-image --revision 2.5.0.1100 new.bin a firmware image to update with; 'make-image --help'
-
-Exit value: the program's own; 128 + signal when it was killed; 127 when it was not found, 126 when it could not be
-run, 125 for a failure of qrx_sim itself.
-)";
+    static const std::string page = std::string(kUsageHead) + option_lines() + std::string(kUsageTail);
+    return page;
 }
 
 }  // namespace qrx::sim

@@ -30,7 +30,7 @@ SIM_FLOORS = [("sim/firmware/", 0), ("sim/transport/", 1), ("sim/", 2)]
 SIM_MAY_USE = "api/src/interface/wire/"
 
 # What is no code of the product may include all of it.
-FREE = ("tests/", "bench/")
+FREE = ("tests/", "bench/", "tools/")
 
 # The one folder that talks to the driver.
 IOCTL_HOME = "api/src/device/linux/"

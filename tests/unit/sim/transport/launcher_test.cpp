@@ -63,7 +63,7 @@ TEST(Options, WhatIsWrongIsSaidWithWhatIsAllowed)
     EXPECT_EQ(
         parse({"--bogus", "--", "x"}).error(),
         "unknown option '--bogus'; known are --scenario, --state, --trace, --mtab, --fault, --transport, --clock, "
-        "--control, --verbose, --help, --list-scenarios, --version");
+        "--control, --verbose, --list-scenarios, --version, --help");
     EXPECT_EQ(parse({"--transport", "pigeon", "x"}).error(), "--transport: 'pigeon' is none of auto, seccomp, preload");
     EXPECT_EQ(parse({"--state"}).error(), "--state needs a value: --state <file>");
     EXPECT_EQ(parse({"--verbose=1", "x"}).error(), "--verbose takes no value");
