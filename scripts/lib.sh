@@ -10,7 +10,8 @@ build_packages=(g++ cmake ninja-build pkg-config libedit-dev nlohmann-json3-dev)
 
 # What the tests, the checks of style and the figures need on top.
 test_packages=(clang clang-tidy clang-format libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev
-               zlib1g-dev python3 python3-pexpect nvme-cli smartmontools)
+               zlib1g-dev python3 python3-pexpect nvme-cli smartmontools
+               man-db groff-base mandoc zsh dpkg-dev)
 
 # say <text>...: one line that tells what comes next.
 say()

@@ -25,14 +25,14 @@ std::string find_library()
 {
     std::error_code ignored;
     const fs::path here = fs::read_symlink("/proc/self/exe", ignored).parent_path();
-    for (const fs::path& place :
-         {here / kLibrary, here / ".." / QRX_SIM_LIBRARY_DIRECTORY / kLibrary, here / "../lib" / kLibrary}) {
+    const fs::path installed = here / ".." / QRX_SIM_LIBRARY_DIRECTORY;
+    for (const fs::path& place : {here / kLibrary, installed / kLibrary}) {
         if (fs::exists(place, ignored)) {
             return fs::canonical(place, ignored).string();
         }
     }
-    throw std::runtime_error(std::string("cannot find ") + kLibrary + " beside " + here.string() +
-                             "/qrx_sim or in ../lib of it");
+    throw std::runtime_error(std::string("cannot find ") + kLibrary + " beside " + here.string() + "/qrx_sim or in " +
+                             installed.string());
 }
 
 }  // namespace

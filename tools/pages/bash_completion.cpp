@@ -5,6 +5,7 @@
 
 #include "sim/firmware/factory.h"
 #include "sim/launcher/control_command.h"
+#include "sim/launcher/image_command.h"
 #include "sim/launcher/options.h"
 #include "tools/pages/pages.h"
 #include "tools/pages/text.h"
@@ -42,7 +43,13 @@ _qrx_cli_ids()
 # _qrx_words <list>: those of the list that begin with the current word.
 _qrx_words()
 {
-    mapfile -t COMPREPLY < <(compgen -W "$1" -- "$cur")
+    local word
+    COMPREPLY=()
+    set -f  # "?" is a command
+    for word in $1; do
+        [[ $word == "$cur"* ]] && COMPREPLY+=("$word")
+    done
+    set +f
 }
 
 _qrx_files()
@@ -55,37 +62,40 @@ _qrx_files()
 _qrx_cli_words()
 {
     local at=$1 command option=$prev values
-    [[ ${COMP_WORDS[at]} =~ ^[0-9]+$ && $at -lt $COMP_CWORD ]] && ((++at))
+    ((at < COMP_CWORD)) && [[ ${COMP_WORDS[at]} =~ ^[0-9]+$ ]] && ((++at))
     if ((at == COMP_CWORD)); then
-        # shellcheck disable=SC2119
         if ((at == $1)); then
-            _qrx_words "$_qrx_cli_commands $(_qrx_cli_ids)" else _qrx_words "$_qrx_cli_commands" fi return fi command =
-    $(_qrx_cli_command "${COMP_WORDS[at]}")
-#bash splits-- option = value into three words.
-        if [[$cur == = ]];
-then cur = elif [[$prev == = ]];
-then option = ${COMP_WORDS[COMP_CWORD - 2]} fi if [[${
-                                                        option,
-                                                        ,
-                                                    } == -output]]; then
+            _qrx_words "$_qrx_cli_commands $(_qrx_cli_ids)"
+        else
+            _qrx_words "$_qrx_cli_commands"
+        fi
+        return
+    fi
+    command=$(_qrx_cli_command "${COMP_WORDS[at]}")
+    # bash splits --option=value into three words.
+    if [[ $cur == = ]]; then
+        cur=
+    elif [[ $prev == = ]]; then
+        option=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
+    if [[ ${option,,} == -output ]]; then
         _qrx_files
         return
     fi
     values=$(_qrx_cli_values "$command" "$option")
     case $values in
-    '<file>') _qrx_files ;
-;
-    '<value>') ;
-    ;
-    ? *) _qrx_words "$values";
-    ;
+    '<file>') _qrx_files ;;
+    '<value>') ;;
+    ?*) _qrx_words "$values" ;;
     *)
-        if [[ $cur == -* ]];
-    then _qrx_words "$(_qrx_cli_options " $command ") -output" elif [[$command == help || $command == '?']];
-    then _qrx_words "$_qrx_cli_commands" fi;
-    ;
+        if [[ $cur == -* ]]; then
+            _qrx_words "$(_qrx_cli_options "$command") -output"
+        elif [[ $command == help || $command == '?' ]]; then
+            _qrx_words "$_qrx_cli_commands"
+        fi
+        ;;
     esac
-    }
+}
 
 _qrx_cli()
 {
@@ -104,10 +114,10 @@ _qrx_sim()
     for ((at = 1; at < COMP_CWORD; ++at)); do
         case ${COMP_WORDS[at]} in
         --)
-            if [[ ${COMP_WORDS[at + 1]##*/} == qrx_cli ]] && ((at + 1 < COMP_CWORD)); then
-                _qrx_cli_words $((at + 2))
-            elif ((at + 1 == COMP_CWORD)); then
+            if ((at + 1 == COMP_CWORD)); then
                 mapfile -t COMPREPLY < <(compgen -c -- "$cur")
+            elif [[ ${COMP_WORDS[at + 1]##*/} == qrx_cli ]]; then
+                _qrx_cli_words $((at + 2))
             else
                 _qrx_files
             fi
@@ -122,13 +132,17 @@ _qrx_sim()
             return
             ;;
         make-image)
-            _qrx_files
+            if [[ $cur == -* ]]; then
+                _qrx_words "$_qrx_sim_image_options"
+            else
+                _qrx_files
+            fi
             return
             ;;
         esac
     done
     [[ $prev == = ]] && prev=${COMP_WORDS[COMP_CWORD - 2]}
-    [[ $cur == = ]] && cur=
+    [[ $cur == = ]] && prev=${COMP_WORDS[COMP_CWORD - 1]} cur=
     case $prev in
     --scenario) _qrx_words "$_qrx_sim_scenarios" ;;
     --state | --trace | --mtab | --control) _qrx_files ;;
@@ -217,6 +231,7 @@ std::string bashCompletion(const std::vector<Command>& commands)
     return kHead + list("_qrx_cli_commands", wordsOf(commands, true)) +
            list("_qrx_cli_hidden", wordsOf(commands, false)) +
            list("_qrx_sim_options", firstWords(readUsage(sim::usage()).entries)) +
+           list("_qrx_sim_image_options", firstWords(readUsage(sim::image_usage()).entries)) +
            list("_qrx_sim_controls", firstWords(readUsage(sim::control_usage()).entries)) +
            list("_qrx_sim_scenarios", scenarios) + optionLists(commands) + valueLists(commands) + kTool + kSimulator;
 }
