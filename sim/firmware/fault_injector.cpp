@@ -1,8 +1,10 @@
 #include "sim/firmware/fault_injector.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "api/src/interface/wire/command.h"
+#include "api/src/interface/wire/envelope.h"
 #include "sim/firmware/opcodes.h"
 
 namespace qrx::sim {
@@ -88,7 +90,7 @@ Completion FaultInjector::run(const Node& node, bool admin_queue, const nvme_adm
         if (decider == nullptr && (armed.fault.status || armed.fault.error)) {
             decider = &armed.fault;
         }
-        damages = damages || armed.fault.shorten || armed.fault.corrupt;
+        damages = damages || armed.fault.damages();
     }
     if (decider != nullptr) {
         return {decider->status.value_or(0), 0, decider->error.value_or(0)};
@@ -115,6 +117,14 @@ void FaultInjector::damage(const nvme_admin_cmd& command, std::span<const QRX_U8
             arrived = std::min(arrived, *armed.fault.shorten);
             const auto offset = static_cast<std::ptrdiff_t>(arrived);
             std::copy(before.begin() + offset, before.end(), data.begin() + offset);
+        }
+        if (command.opcode == kVendorRead && arrived >= sizeof(NVMEReceiveData)) {
+            if (armed.fault.cmd_status) {
+                data[offsetof(NVMEReceiveData, cmd_status)] = *armed.fault.cmd_status;
+            }
+            if (armed.fault.unsign) {
+                data[0] = static_cast<QRX_U8>(~data[0]);
+            }
         }
         if (armed.fault.corrupt) {
             flip(data.first(arrived), *armed.fault.corrupt);

@@ -12,11 +12,13 @@
 //     status=<status>    ends with that NVMe status; the device does not see the command
 //     errno=<error>      fails with that error; the device does not see the command
 //     short=<bytes>      only so many bytes of the answer arrive
+//     cmd-status=<byte>  the envelope of a vendor answer bears that status instead
+//     unsigned           the envelope of a vendor answer does not bear its signature
 //     corrupt[=<seed>]   some bytes of the answer are flipped, the same ones for the same seed
 //     delay=<time>       takes so much longer: "50ms", "2s", "300us"
 //
 // Numbers are decimal, or hexadecimal with 0x. Without nth and every, all chosen commands are hit. One fault may have
-// several kinds, but not status and errno, and neither of them with short or corrupt.
+// several kinds, but not status and errno, and neither of them with one that damages the answer.
 #pragma once
 
 #include <chrono>
@@ -42,10 +44,14 @@ struct Fault {
     std::optional<QRX_U32> status;
     std::optional<int> error;
     std::optional<std::size_t> shorten;
+    std::optional<QRX_U8> cmd_status;
+    bool unsign = false;
     std::optional<QRX_U64> corrupt;  // seed
     std::optional<std::chrono::microseconds> delay;
 
     friend bool operator==(const Fault&, const Fault&) = default;
+
+    [[nodiscard]] bool damages() const { return shorten || cmd_status || unsign || corrupt; }
 
     // Whether the selectors other than nth and every choose the command.
     [[nodiscard]] bool chooses(const Node& node, bool admin, const nvme_admin_cmd& sent) const;

@@ -164,6 +164,13 @@ private:
             number(piece, fault_.status, 1, kMaxStatus);
         } else if (piece.key == "short") {
             number(piece, fault_.shorten, 0, 0xFFFFFFFF);
+        } else if (piece.key == "cmd-status") {
+            number(piece, fault_.cmd_status, 0, 0xFF);
+        } else if (piece.key == "unsigned" && !piece.has_value) {
+            if (fault_.unsign) {
+                fail("'unsigned' is given twice");
+            }
+            fault_.unsign = true;
         } else if (piece.key == "queue") {
             queue(piece);
         } else if (piece.key == "errno") {
@@ -173,7 +180,7 @@ private:
         } else {
             fail("unknown word '" + std::string(piece.key) +
                  "'; allowed are nth=, every=, opcode=, command=, queue=, device= to choose commands, and status=, "
-                 "errno=, short=, corrupt, corrupt=, delay= for what befalls them");
+                 "errno=, short=, cmd-status=, unsigned, corrupt, corrupt=, delay= for what befalls them");
         }
     }
 
@@ -185,11 +192,11 @@ private:
         if (fault_.nth && fault_.every) {
             fail("nth and every exclude each other");
         }
-        if ((fault_.status || fault_.error) && (fault_.shorten || fault_.corrupt)) {
-            fail("a command that ends with status or errno has no answer to be short or corrupt");
+        if ((fault_.status || fault_.error) && fault_.damages()) {
+            fail("a command that ends with status or errno has no answer to be damaged");
         }
-        if (!fault_.status && !fault_.error && !fault_.shorten && !fault_.corrupt && !fault_.delay) {
-            fail("it does nothing; add status=, errno=, short=, corrupt or delay=");
+        if (!fault_.status && !fault_.error && !fault_.damages() && !fault_.delay) {
+            fail("it does nothing; add status=, errno=, short=, cmd-status=, unsigned, corrupt or delay=");
         }
     }
 

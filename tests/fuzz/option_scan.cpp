@@ -1,16 +1,18 @@
-// Fuzzes the option scanner over the words of a line: it comes to an end, answers with what its tables hold, and
-// loses no word of those it reorders.
+// Fuzzes the option scanner over the words of a line, with the tables of every command and with some of its own: it
+// comes to an end, answers with what its tables hold, and loses no word of those it reorders.
 #include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "cli/Public/common.h"
 #include "cli/Public/getopt.h"
+#include "option_tables.h"
 
 namespace {
 
@@ -23,6 +25,16 @@ constexpr option kLong[] = {
 // The scanner's prefixes change what it does with words that are no options.
 constexpr const char* kShort[] = {"o:l:v::\x01:h", ":o:l:v::\x01:h", "-o:l:v::\x01:h", "+o:l:v::\x01:h"};
 
+bool isValueOf(const option* rows, int value)
+{
+    for (; rows->name != nullptr; ++rows) {
+        if (rows->val == value) {
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -30,8 +42,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < 1) {
         return 0;
     }
-    const char* letters = kShort[data[0] & 3];
-    const bool single_dash = (data[0] & 4) != 0;
+    // The first byte chooses the tables: of a command with the highest bit set, else our own.
+    const OptionTable& of_command = kOptionTables[(data[0] & 0x7F) % std::size(kOptionTables)];
+    const bool ours = (data[0] & 0x80) == 0;
+    const char* letters = ours ? kShort[data[0] & 3] : of_command.letters;
+    const option* rows = ours ? kLong : of_command.rows;
+    const bool single_dash = ours && (data[0] & 4) != 0;
     std::string line(reinterpret_cast<const char*>(data + 1), size - 1);
 
     // Words end at zero bytes, so that a word may hold anything a process argument may.
@@ -49,17 +65,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int argc = static_cast<int>(words.size());
 
     opterr = 0;
-    optind = (data[0] & 8) != 0 ? 0 : 1;
+    optind = !ours || (data[0] & 8) != 0 ? 0 : 1;  // 0: no ordering is left of another input
     // A flag letter with more behind it is answered again and again: every handler stops there, and so does this.
     for (int calls = 0; calls <= argc; ++calls) {
         int row = 0;
-        const int answer = single_dash ? getopt_long_only(argc, argv.data(), letters, kLong, &row)
-                                       : getopt_long(argc, argv.data(), letters, kLong, &row);
+        const int answer = single_dash ? getopt_long_only(argc, argv.data(), letters, rows, &row)
+                                       : getopt_long(argc, argv.data(), letters, rows, &row);
         assert(optind >= 1 && optind <= argc);
         if (answer == -1) {
             break;
         }
-        assert(answer == '?' || answer == ':' || answer == 1 || std::strchr(letters, answer) != nullptr);
+        assert(answer == '?' || answer == ':' || answer == 1 || std::strchr(letters, answer) != nullptr ||
+               isValueOf(rows, answer));
         assert(optarg == nullptr || std::strlen(optarg) <= size);
     }
     argv.pop_back();

@@ -1,17 +1,8 @@
-// A preload library that makes one memory allocation of qrx_cli fail: the n-th since the program's own start.
-//
-//     QRX_FAIL_ALLOC=7 QRX_FAIL_ALLOC_SEEN=/tmp/seen LD_PRELOAD=libqrx_fail_alloc.so qrx_cli info -o hba
-//
-// The file named in QRX_FAIL_ALLOC_SEEN is created when the failure came about, so that a caller who counts up knows
-// when the program makes fewer allocations than that. Other programs that inherit the preload are left alone.
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <atomic>
+// A preload library that makes one memory allocation of qrx_cli fail: see fail_nth.h.
 #include <cerrno>
 #include <cstddef>
-#include <cstdlib>
-#include <string_view>
+
+#include "tests/torture/fail_nth.h"
 
 // The C library's own allocator, under the names that it keeps for those who replace malloc.
 extern "C" {
@@ -23,23 +14,22 @@ void* __libc_memalign(std::size_t alignment, std::size_t size);
 
 namespace {
 
-std::atomic<long> allocations_left = 0;  // until the one that fails; 0: none does
+qrx::torture::FailNth allocations;
 
-__attribute__((constructor)) void readTheWish()
+__attribute__((constructor)) void begin()
 {
-    const char* wish = std::getenv("QRX_FAIL_ALLOC");
-    if (wish != nullptr && std::string_view(program_invocation_short_name) == "qrx_cli") {
-        allocations_left = std::atol(wish);
-    }
+    allocations.begin();
+}
+
+__attribute__((destructor)) void end()
+{
+    allocations.end();
 }
 
 bool fails()
 {
-    if (allocations_left.load(std::memory_order_relaxed) == 0 || allocations_left.fetch_sub(1) != 1) {
+    if (!allocations.now()) {
         return false;
-    }
-    if (const char* seen = std::getenv("QRX_FAIL_ALLOC_SEEN"); seen != nullptr) {
-        ::close(::open(seen, O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
     }
     errno = ENOMEM;
     return true;

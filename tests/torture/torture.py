@@ -1,15 +1,15 @@
 """Runs one command again and again, each time with the next thing failing, until a run sees no failure.
 
-    /usr/bin/python3 torture.py --bin build/release/bin device "info -o hba"     the n-th device command fails
-    /usr/bin/python3 torture.py --bin build/release/bin memory "info -o hba"     the n-th memory allocation fails
+    /usr/bin/python3 torture.py --bin build/release/bin device memory file -- "info -o hba"
 
-Each run has a directory to itself, with a file `image` of --image bytes in it.
+device: the n-th device command fails; memory: the n-th allocation; file: the n-th file call. Asked of each run: it ends
+by itself within the time limit, by no signal, and without a word from a sanitizer or from the C++ library's last
+resort. A run that does not is printed with the flags that repeat it alone.
 
-Asked of each run: it ends by itself within the time limit, by no signal, and without a word from a sanitizer or from
-the C++ library's last resort. A run that does not is printed with the flags that repeat it alone.
+Start-up is the same for every command, and has the first failures. With `version` each kind of failure befalls it; with
+other commands the first kind of device failure does, and the others begin where the command does.
 """
 import argparse
-import contextlib
 import os
 import pathlib
 import re
@@ -22,6 +22,8 @@ SECONDS = 30          # that one run may take
 MOST_RUNS = 20000     # a count that never ends is a failure too
 FIRST_SIGNAL = 128    # an exit value above this tells a signal, as a shell would
 LAST_WORDS = re.compile(r"Sanitizer|runtime error:|terminate called|Assertion|stack smashing|free\(\)|corrupted")
+STARTUP = "version"   # a command that is nothing but start-up and end
+END_CALLS = 8         # calls of the end of a program, at most: they are not part of the start
 
 # How the n-th device command fails, in the words of the simulator's --fault.
 DEVICE_FAULTS = {
@@ -32,91 +34,112 @@ DEVICE_FAULTS = {
     "short": "short=16",
     "empty": "short=0",
     "corrupt": "corrupt",
+    "cmd-status": "cmd-status=5",
+    "unsigned": "unsigned",
 }
+KINDS = {"device": list(DEVICE_FAULTS), "memory": ["allocation"], "file": ["error", "short-file"]}
+LIBRARIES = {"memory": "libqrx_fail_alloc.so", "file": "libqrx_fail_files.so"}
 
 
 class Trouble(Exception):
     """A run that did not end as it must."""
 
 
-def run(command, environment, directory):
-    """Runs qrx_sim's command line; raises Trouble unless it ends in an orderly way."""
-    try:
-        done = subprocess.run(command, env=environment, cwd=directory, stdin=subprocess.DEVNULL, capture_output=True,
-                              timeout=SECONDS, check=False)
-    except subprocess.TimeoutExpired as error:
-        raise Trouble(f"did not end in {SECONDS} seconds") from error
-    text = (done.stdout + done.stderr).decode(errors="replace")
-    # qrx_cli's own -1 (255) is an exit value; the values of signals end at 128 + 64.
-    if done.returncode < 0 or FIRST_SIGNAL < done.returncode <= FIRST_SIGNAL + 64:
-        raise Trouble(f"ended by a signal ({done.returncode})\n{text}")
-    if LAST_WORDS.search(text):
-        raise Trouble(f"complained\n{text}")
+class Bench:
+    """Where the runs take place: the programs, a scenario, and a directory with the files that commands name."""
+
+    def __init__(self, bin_dir, scenario, directory):
+        self.bin_dir, self.scenario, self.directory = bin_dir, scenario, directory
+        self.environment = os.environ | {"PATH": f"{bin_dir}:/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C"}
+        self.files = {name: directory / name for name in ("image", "file", "output")}
+        self.files["file"].write_bytes(bytes(4096))
+        subprocess.run([bin_dir / "qrx_sim", "make-image", "--revision", "2.5.0.1100", "--size", "8192", self.files["image"]],
+                       check=True)
+
+    def run(self, options, command, prefix=()):
+        """Runs the command; raises Trouble unless it ends in an orderly way."""
+        self.files["output"].unlink(missing_ok=True)
+        line = [self.bin_dir / "qrx_sim", "--scenario", self.scenario, *options, "--", *prefix, "qrx_cli", *shlex.split(command)]
+        try:
+            done = subprocess.run(line, env=self.environment, cwd=self.directory, stdin=subprocess.DEVNULL,
+                                  capture_output=True, timeout=SECONDS, check=False)
+        except subprocess.TimeoutExpired as error:
+            raise Trouble(f"did not end in {SECONDS} seconds") from error
+        text = (done.stdout + done.stderr).decode(errors="replace")
+        # qrx_cli's own -1 (255) is an exit value; the values of signals end at 128 + 64.
+        if done.returncode < 0 or FIRST_SIGNAL < done.returncode <= FIRST_SIGNAL + 64:
+            raise Trouble(f"ended by a signal ({done.returncode})\n{text}")
+        if LAST_WORDS.search(text):
+            raise Trouble(f"complained\n{text}")
+
+    def device(self, command, kind, nth):
+        """One run with the n-th device command failing (0: none). Returns how many there were."""
+        trace = self.directory / "trace.txt"
+        fault = ["--fault", f"nth={nth},{DEVICE_FAULTS[kind]}"] if nth else []
+        self.run(["--trace", trace, *fault], command)
+        return len(trace.read_text().splitlines())
+
+    def call(self, what, command, kind, nth):
+        """One run with the n-th allocation or file call failing (0: none). Returns how many there were."""
+        seen = self.directory / "seen"
+        seen.unlink(missing_ok=True)
+        self.run([], command, ["env", f"LD_PRELOAD={self.bin_dir / LIBRARIES[what]}", f"QRX_FAIL_NTH={nth}",
+                               f"QRX_FAIL_SEEN={seen}", f"QRX_FAIL_HOW={kind.removesuffix('-file')}",
+                               # A sanitizer's library wants to come first, and can do without.
+                               f"ASAN_OPTIONS=verify_asan_link_order=0:{os.environ.get('ASAN_OPTIONS', '')}"])
+        if not seen.exists():
+            raise Trouble("ended without a count of its calls")
+        return int(seen.read_text())
+
+    def one(self, what, command, kind, nth):
+        return self.device(command, kind, nth) if what == "device" else self.call(what, command, kind, nth)
 
 
-@contextlib.contextmanager
-def room(image):
-    """A directory for one run, with an image of so many bytes."""
-    with tempfile.TemporaryDirectory(prefix="torture-") as name:
-        directory = pathlib.Path(name)
-        (directory / "image").write_bytes(bytes(range(256)) * (image // 256) + bytes(image % 256))
-        yield directory
-
-
-def device_run(bin_dir, arguments, command, kind, nth, environment):
-    """One run with the n-th device command failing. Returns whether it came to that."""
-    with room(arguments.image) as directory:
-        trace = directory / "trace.txt"
-        run([bin_dir / "qrx_sim", "--scenario", arguments.scenario, "--trace", trace, "--fault",
-             f"nth={nth},{DEVICE_FAULTS[kind]}", "--", "qrx_cli", *command], environment, directory)
-        return len(trace.read_text().splitlines()) >= nth
-
-
-def memory_run(bin_dir, arguments, command, _, nth, environment):
-    """One run with the n-th allocation failing. Returns whether it came to that."""
-    with room(arguments.image) as directory:
-        seen = directory / "seen"
-        preload = bin_dir / "libqrx_fail_alloc.so"
-        run([bin_dir / "qrx_sim", "--scenario", arguments.scenario, "--", "env", f"LD_PRELOAD={preload}",
-             f"QRX_FAIL_ALLOC={nth}", f"QRX_FAIL_ALLOC_SEEN={seen}", "qrx_cli", *command], environment, directory)
-        return seen.exists()
-
-
-KINDS = {"device": (device_run, list(DEVICE_FAULTS)), "memory": (memory_run, ["allocation"])}
+def torture(bench, what, kind, command, arguments):
+    """All runs of one kind. Returns their number and whether all went well."""
+    first = 1
+    if not arguments.nth and command != STARTUP and kind != KINDS["device"][0]:
+        first = max(bench.one(what, STARTUP, kind, 0) - (0 if what == "device" else END_CALLS), 0) + 1
+    came, good = 0, True
+    for nth in [arguments.nth] if arguments.nth else range(first, MOST_RUNS):
+        try:
+            if bench.one(what, command, kind, nth) < nth:
+                break
+        except Trouble as trouble:
+            good = False
+            print(f"--only {kind} --nth {nth} {what} -- {shlex.quote(f'{bench.scenario}: {command}')}: {trouble}", flush=True)
+        came += 1
+    print(f"{what}, {kind}: {came} runs that saw a failure", flush=True)
+    if came == 0 and first == 1:
+        print(f"{what}, {kind}: nothing ever failed, so nothing was tried")
+        good = False
+    return came, good
 
 
 def main():
     parser = argparse.ArgumentParser(description="Runs a command with each thing failing in turn.")
     parser.add_argument("--bin", required=True, type=pathlib.Path, help="directory of qrx_cli and qrx_sim")
-    parser.add_argument("--scenario", default="pair", help="the simulated machine (default: pair)")
-    parser.add_argument("--image", type=int, default=0, help="bytes of the file `image` (default: 0)")
-    parser.add_argument("--only", help="this kind of failure alone")
+    parser.add_argument("--only", action="append", help="these kinds of failure alone")
     parser.add_argument("--nth", type=int, help="this one run alone")
-    parser.add_argument("what", choices=KINDS)
-    parser.add_argument("command", help="the command with its options, as one word")
+    parser.add_argument("--runs", type=pathlib.Path, help="a file that gets the number of runs")
+    parser.add_argument("what", nargs="+", choices=KINDS)
+    parser.add_argument("command", help="the command with its options, as one word; 'jbof: ...' on that machine")
     arguments = parser.parse_args()
 
-    bin_dir = arguments.bin.resolve()
-    one_run, kinds = KINDS[arguments.what]
-    environment = os.environ | {"PATH": f"{bin_dir}:/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C"}
-    failed = False
-    for kind in [arguments.only] if arguments.only else kinds:
-        came = 0
-        for nth in [arguments.nth] if arguments.nth else range(1, MOST_RUNS):
-            try:
-                if not one_run(bin_dir, arguments, shlex.split(arguments.command), kind, nth, environment):
-                    break
-                came += 1
-            except Trouble as trouble:
-                failed = True
-                came += 1
-                print(f"--scenario {arguments.scenario} --image {arguments.image} --only {kind} --nth {nth} "
-                      f"{arguments.what} {shlex.quote(arguments.command)}: {trouble}", flush=True)
-        print(f"{kind}: {came} runs that saw a failure")
-        if came == 0:
-            print(f"{kind}: nothing ever failed, so nothing was tried")
-            failed = True
-    return 1 if failed else 0
+    scenario, _, command = arguments.command.rpartition(": ")
+    runs, good = 0, True
+    with tempfile.TemporaryDirectory(prefix="torture-") as directory:
+        bench = Bench(arguments.bin.resolve(), scenario or "pair", pathlib.Path(directory))
+        for what in arguments.what:
+            for kind in KINDS[what]:
+                if not arguments.only or kind in arguments.only:
+                    came, went_well = torture(bench, what, kind, command, arguments)
+                    runs, good = runs + came, good and went_well
+    print(f"{runs} runs")
+    if arguments.runs:
+        arguments.runs.parent.mkdir(parents=True, exist_ok=True)
+        arguments.runs.write_text(f"{runs}\n")
+    return 0 if good else 1
 
 
 if __name__ == "__main__":

@@ -214,6 +214,7 @@ std::string valueLists(const std::vector<Command>& commands)
 std::vector<std::string> firstWords(const std::vector<UsageText::Entry>& entries)
 {
     std::vector<std::string> words;
+    words.reserve(entries.size());
     for (const UsageText::Entry& entry : entries) {
         words.push_back(entry.term.substr(0, entry.term.find(' ')));
     }
@@ -225,6 +226,7 @@ std::vector<std::string> firstWords(const std::vector<UsageText::Entry>& entries
 std::string bashCompletion(const std::vector<Command>& commands)
 {
     std::vector<std::string> scenarios;
+    scenarios.reserve(sim::scenarios().size());
     for (const sim::Scenario& scenario : sim::scenarios()) {
         scenarios.emplace_back(scenario.name);
     }

@@ -8,6 +8,8 @@
 namespace qrx::pages {
 namespace {
 
+constexpr char kSilent = '\x01';  // the option that every option string has, and that cannot be written as it is
+
 std::string code(const std::string& text)
 {
     return "`" + text + "`";
@@ -119,18 +121,17 @@ std::string optionTables(const std::vector<Command>& commands)
     int number = 0;
     for (const Command& command : commands) {
         const std::string name = "kRowsOf" + std::to_string(number++);
-        text += "inline constexpr option " + name + "[] = {";
+        text.append("inline constexpr option ").append(name).append("[] = {");
         for (const option& row : command.rows) {
-            text += "{\"" + std::string(row.name) + "\", " + std::to_string(row.has_arg) + ", nullptr, " +
-                    std::to_string(row.val) + "}, ";
+            text.append("{\"").append(row.name).append("\", ").append(std::to_string(row.has_arg));
+            text.append(", nullptr, ").append(std::to_string(row.val)).append("}, ");
         }
         text += "{nullptr, 0, nullptr, 0}};\n";
-        std::string letters;
-        for (const char c : command.letters) {
-            // Octal: three digits at most, whatever stands behind.
-            letters += c == '\x01' ? std::string("\\001") : std::string(1, c);
-        }
-        tables += "    {\"" + command.word + "\", \"" + letters + "\", " + name + "},\n";
+        std::string letters = command.letters;
+        // Octal: three digits at most, whatever stands behind.
+        letters.replace(letters.find(kSilent), 1, "\\001");
+        tables.append("    {\"").append(command.word).append("\", \"").append(letters);
+        tables.append("\", ").append(name).append("},\n");
     }
     return text + tables + "};\n";
 }

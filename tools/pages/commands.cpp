@@ -140,6 +140,7 @@ std::vector<Command> commands()
     pCmdTable = generalCmdTableV1;
     cmdTableSize = static_cast<QRX_U16>(generalCmdTableV1Size());
     std::vector<Command> all;
+    all.reserve(generalCmdTableV1Size() + hiddenCmdTableV1Size());
     for (Command_Info& row : std::span(generalCmdTableV1, generalCmdTableV1Size())) {
         all.push_back(read(row, true));
     }

@@ -40,7 +40,7 @@ std::string escaped(std::string_view text)
 }
 
 // A full stop that begins a line would make it a macro.
-std::string protectedStart(std::string text)
+std::string protectedStart(const std::string& text)
 {
     return text.starts_with('.') ? "\\&" + text : text;
 }

@@ -40,6 +40,8 @@ TEST(FaultText, ReadsEveryWord)
     expected.corrupt = 7;
     EXPECT_EQ(fault("every=2,queue=io,short=100,corrupt=7"), expected);
     EXPECT_EQ(fault("corrupt").corrupt, 1U);
+    EXPECT_EQ(fault("cmd-status=0x4a").cmd_status, 0x4A);
+    EXPECT_TRUE(fault("unsigned").unsign);
     EXPECT_EQ(fault("errno=EIO").error, EIO);
     EXPECT_EQ(fault("errno=5").error, 5);
     EXPECT_EQ(fault("delay=300us").delay, microseconds(300));
@@ -51,7 +53,7 @@ TEST(FaultText, SaysWhatIsWrongAndWhatIsAllowed)
 {
     const std::string words =
         "; allowed are nth=, every=, opcode=, command=, queue=, device= to choose commands, and status=, errno=, "
-        "short=, corrupt, corrupt=, delay= for what befalls them";
+        "short=, cmd-status=, unsigned, corrupt, corrupt=, delay= for what befalls them";
     EXPECT_EQ(parse_fault("").error(), "fault '': unknown word ''" + words);
     EXPECT_EQ(parse_fault("nht=3,status=2").error(), "fault 'nht=3,status=2': unknown word 'nht'" + words);
     EXPECT_EQ(parse_fault("status=2,").error(), "fault 'status=2,': unknown word ''" + words);
@@ -98,9 +100,10 @@ TEST(FaultText, SaysWhatIsWrongAndWhatIsAllowed)
 
 TEST(FaultText, RefusesWhatDoesNotGoTogether)
 {
-    for (const std::string pair : {"nth=1,nth=1", "every=1,every=2", "opcode=1,opcode=1", "command=1,command=1",
-                                   "queue=io,queue=io", "device=1,device=1", "status=1,status=1", "errno=1,errno=2",
-                                   "short=1,short=1", "corrupt,corrupt", "delay=1s,delay=1s"}) {
+    for (const std::string pair :
+         {"nth=1,nth=1", "every=1,every=2", "opcode=1,opcode=1", "command=1,command=1", "queue=io,queue=io",
+          "device=1,device=1", "status=1,status=1", "errno=1,errno=2", "short=1,short=1", "cmd-status=1,cmd-status=2",
+          "unsigned,unsigned", "corrupt,corrupt", "delay=1s,delay=1s"}) {
         const std::string key = pair.substr(0, pair.find_first_of("=,"));
         std::string expected = "fault '";
         expected += pair;
@@ -112,13 +115,16 @@ TEST(FaultText, RefusesWhatDoesNotGoTogether)
     EXPECT_EQ(parse_fault("status=1,errno=1").error(), "fault 'status=1,errno=1': status and errno exclude each other");
     EXPECT_EQ(parse_fault("nth=1,every=1,corrupt").error(),
               "fault 'nth=1,every=1,corrupt': nth and every exclude each other");
-    EXPECT_EQ(
-        parse_fault("status=1,short=1").error(),
-        "fault 'status=1,short=1': a command that ends with status or errno has no answer to be short or corrupt");
+    EXPECT_EQ(parse_fault("status=1,short=1").error(),
+              "fault 'status=1,short=1': a command that ends with status or errno has no answer to be damaged");
     EXPECT_EQ(parse_fault("errno=1,corrupt").error(),
-              "fault 'errno=1,corrupt': a command that ends with status or errno has no answer to be short or corrupt");
+              "fault 'errno=1,corrupt': a command that ends with status or errno has no answer to be damaged");
+    for (const std::string kind : {"short=1", "cmd-status=1", "unsigned"}) {
+        EXPECT_FALSE(parse_fault("errno=1," + kind)) << kind;
+        EXPECT_TRUE(parse_fault("nth=1," + kind)) << kind;
+    }
     EXPECT_EQ(parse_fault("nth=1").error(),
-              "fault 'nth=1': it does nothing; add status=, errno=, short=, corrupt or delay=");
+              "fault 'nth=1': it does nothing; add status=, errno=, short=, cmd-status=, unsigned, corrupt or delay=");
 }
 
 class Faults : public testing::Test {
@@ -246,6 +252,31 @@ TEST_F(Faults, ShortLeavesTheRestOfTheBufferAsItWas)
     inject({"short=9999"});
     vendor();
     EXPECT_EQ(rig_.page[4095], 0);
+}
+
+TEST_F(Faults, CmdStatusStandsInTheEnvelopeAndTheRestIsAsItWas)
+{
+    inject({"cmd-status=74"});
+    EXPECT_EQ(vendor().status, 0U);
+    EXPECT_EQ(rig_.bytes(0, 8), envelope(74));
+    EXPECT_EQ(rig_.at<QRX_U16>(24), 0x7A51);
+}
+
+TEST_F(Faults, UnsignedTakesTheFirstLetterOfTheSignatureAway)
+{
+    inject({"unsigned"});
+    EXPECT_EQ(vendor().status, 0U);
+    EXPECT_EQ(rig_.page[0], static_cast<QRX_U8>(~'Q'));
+    EXPECT_EQ(rig_.page[1], 'R');
+    EXPECT_EQ(rig_.at<QRX_U16>(24), 0x7A51);
+}
+
+TEST_F(Faults, AnAnswerTooShortForAnEnvelopeIsLeftAlone)
+{
+    inject({"short=7,cmd-status=74,unsigned"});
+    vendor();
+    EXPECT_EQ(rig_.page[0], 'Q');
+    EXPECT_EQ(rig_.page[4], 0);
 }
 
 TEST_F(Faults, CorruptFlipsTheSameBytesForTheSameSeed)

@@ -1,0 +1,192 @@
+#include "tests/fuzz/controller.h"
+
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cassert>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "api/src/device/common/DeviceManagement.h"
+#include "api/src/interface/globals.h"
+#include "api/src/interface/wire/envelope.h"
+#include "cli/Public/common.h"
+#include "cli/qxsetup/command_table.h"
+
+namespace qrx::fuzz {
+namespace {
+
+Answer answer;
+std::span<const std::uint8_t> content;
+std::atomic<bool> sealed = false;  // a world lives
+
+QRX_U32 reply(void* out, QRX_U16 length)
+{
+    return out == nullptr ? answer({}) : answer({static_cast<std::uint8_t*>(out), length});
+}
+
+Device device()
+{
+    Device made{};
+    made.sendCommand = [](PDevice, QRX_U8, QRX_U32, QRX_U32*, QRX_U8, void*, QRX_U16, void* out, QRX_U16 length) {
+        return reply(out, length);
+    };
+    made.sendNVM = made.sendCommand;
+    made.sendPassthruAdmin = [](PDevice, void*, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32* result) {
+        if (result != nullptr) {
+            *result = 0x51525801;
+        }
+        return reply(out, length);
+    };
+    made.closeHandle = [](PDevice) {};
+    made.getNVMEDevice = [](PDevice self) { return self; };
+    std::strcpy(made.bus_dev_fun, "03:00.00");
+    std::strcpy(made.device_path, "/dev/nvme0");
+    return made;
+}
+
+}  // namespace
+
+std::uint8_t Speech::next()
+{
+    const std::span<const std::uint8_t> byte = next(1);
+    return byte.empty() ? std::uint8_t{0} : byte.front();
+}
+
+std::span<const std::uint8_t> Speech::next(std::size_t most)
+{
+    const std::span<const std::uint8_t> taken = left_.first(std::min(most, left_.size()));
+    left_ = left_.subspan(taken.size());
+    return taken;
+}
+
+Answer spoken(Speech& speech)
+{
+    return [&speech](std::span<std::uint8_t> out) -> std::uint32_t {
+        const std::uint8_t how = speech.next();
+        if ((how & kFails) != 0) {
+            const unsigned low = speech.next();
+            const unsigned high = speech.next();
+            return (how & kSigns) != 0 ? ~0U : low | (high & 0x7FU) << 8U;
+        }
+        const std::span<const std::uint8_t> told =
+            speech.next(std::size_t{speech.next()} * ((how & kPages) != 0 ? 64 : 8));
+        const std::size_t most = (how & kShort) != 0 ? std::min(told.size(), out.size()) : out.size();
+        for (std::size_t i = 0; i < most; ++i) {
+            out[i] = told.empty() ? std::uint8_t{0} : told[i % told.size()];
+        }
+        if ((how & kSigns) != 0 && out.size() >= kReceiveDataOffset) {
+            std::copy(std::begin(kFrameSign), std::end(kFrameSign), out.begin());
+            out[offsetof(NVMEReceiveData, cmd_status)] = 0;
+        }
+        return 0;
+    };
+}
+
+void plugIn()
+{
+    static Device plugged;
+    plugged = device();
+    const PDeviceManagement table = GetDeviceManagementInstance();
+    table->m_devs[0] = &plugged;
+    table->m_count = 1;
+}
+
+World::World(Answer answers, std::span<const std::uint8_t> file)
+{
+    static FILE* const nowhere = std::fopen("/dev/null", "w");
+    static const bool quiet =
+        std::freopen("/dev/null", "w", stdout) != nullptr && std::freopen("/dev/null", "r", stdin) != nullptr;
+    assert(quiet && nowhere != nullptr);
+    answer = std::move(answers);
+    content = file;
+    plugIn();
+    pCmdTable = generalCmdTableV1;
+    cmdTableSize = static_cast<QRX_U16>(generalCmdTableV1Size());
+    stream = nowhere;
+    dbg_enable = 0;
+    gNumAdaptersFound = 1;
+    gCurrentAdapter = 0;
+    gSpecificAdapterFlag = 0;
+    sealed = true;
+}
+
+World::~World()
+{
+    sealed = false;
+    GetDeviceManagementInstance()->m_count = 0;
+    stream = stdout;
+}
+
+int World::run(const char* line)
+{
+    std::string text = line;
+    std::array<char*, kMaxWords> words{};
+    int count = 0;
+    return parse(&count, words.data(), text.data()) == 1 && count != 0 ? cmdDispatcher(count, words.data()) : 0;
+}
+
+}  // namespace qrx::fuzz
+
+// The linker sends the calls of the program here (--wrap).
+extern "C" {
+
+FILE* __real_fopen(const char* path, const char* mode);
+int __real_open(const char* path, int flags, ...);
+FILE* __real_popen(const char* command, const char* mode);
+int __real_usleep(useconds_t time);
+int __real_nanosleep(const timespec* time, timespec* left);
+
+int qrx_fuzz_file()
+{
+    const int file = ::memfd_create("file", MFD_CLOEXEC);
+    assert(file >= 0);
+    const auto written = ::write(file, qrx::fuzz::content.data(), qrx::fuzz::content.size());
+    assert(written == static_cast<ssize_t>(qrx::fuzz::content.size()));
+    (void)::lseek(file, 0, SEEK_SET);
+    return file;
+}
+
+FILE* __wrap_fopen(const char* path, const char* mode)
+{
+    if (!qrx::fuzz::sealed) {
+        return __real_fopen(path, mode);
+    }
+    return mode[0] == 'r' ? ::fdopen(qrx_fuzz_file(), mode) : __real_fopen("/dev/null", mode);
+}
+
+int __wrap_open(const char* path, int flags, ...)
+{
+    if (!qrx::fuzz::sealed) {
+        va_list more;
+        va_start(more, flags);
+        const auto permissions = va_arg(more, mode_t);
+        va_end(more);
+        return __real_open(path, flags, permissions);
+    }
+    return (flags & O_ACCMODE) == O_RDONLY ? qrx_fuzz_file() : __real_open("/dev/null", flags & ~O_CREAT);
+}
+
+FILE* __wrap_popen(const char* command, const char* mode)
+{
+    return qrx::fuzz::sealed ? nullptr : __real_popen(command, mode);
+}
+
+int __wrap_usleep(useconds_t time)
+{
+    return qrx::fuzz::sealed ? ::sched_yield() : __real_usleep(time);
+}
+
+int __wrap_nanosleep(const timespec* time, timespec* left)
+{
+    return qrx::fuzz::sealed ? ::sched_yield() : __real_nanosleep(time, left);
+}
+}

@@ -1,0 +1,18 @@
+# The commands that are tortured, and whose printers are fuzzed. A row is a command, on the machine `pair` unless another
+# stands in front. Its directory holds `image`, a firmware image, and `file`, a page of zeros; `output` is not there yet.
+# Every command of the tables has a row: a test fails where one has none.
+set(torture_rows
+    version help "?" "--debug" "adapter --list"
+    "info -o hba --all" "info -o pd" "info -o vd" "info -o ns" "info -o ns -t vd -v 0" "info -o hba -output output"
+    "vd -a delete -i 0" "lab: vd -a create -r 1 -d 0,1" "init -a stop -i 0" "init -a start -i 0" "mp -a start -i 0"
+    "rebuild -a stop -i 0" "import -l 0" "importable: import -l 0"
+    "get -o hba" "set -o hba -a on" "debuglv -t 1"
+    "ns --list" "ns -p ctrl" "ns -a attach -i 1 -d 0" "jbof: ns -a init -i 0 -n 1"
+    "flash -o hba -q firmware" "flash -o pd -i 0 -q firmware" "flash -o pd -i 0 -f image -s 1 -c 1"
+    "smart -o hba" "smart -o ns -n 1" "smart -i 0" "identify -c 1 --rawdata" "identify -n 1" "identify -c 2"
+    "passthru -i 0 -o 6 -r read -d 4096" "passthru -i 0 -o 6 -r read -d 4096 --outputfile output"
+    "passthru -i 0 -o 2 --cdw10 0x7f0002 -r read -d 512" "passthru -i 0 -o 9 --cdw10 14 -r write -d 8 --inputfile file"
+    "hotkey -k D" "hotkey -k w" "hotkey -k 12bg" "hotkey --waiveconfirmation -k v"
+)
+# A run of it lasts two seconds, and tests/cli/flash_failure_test.py sees it fail in all the other ways.
+set(torture_rows_of_updates "flash -o hba -f image -s 1 -c 1")
