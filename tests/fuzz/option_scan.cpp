@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
+#include <option_tables.h>  // made by the build
 #include "cli/Public/common.h"
 #include "cli/Public/getopt.h"
-#include "option_tables.h"
 
 namespace {
 

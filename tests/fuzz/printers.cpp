@@ -10,10 +10,10 @@
 #include <iterator>
 #include <span>
 
+#include <torture_rows.h>  // made by the build
 #include "api/src/interface/globals.h"
 #include "api/src/interface/wire/envelope.h"
 #include "tests/fuzz/controller.h"
-#include "torture_rows.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
