@@ -112,7 +112,7 @@ class Completion(unittest.TestCase):
         shell.expect("@ ")
         shell.sendline(f"source {MADE / 'qrx_cli.bash'}; echo rea''dy")
         shell.expect("ready\r\n")
-        shell.send("echo; qrx_cli ide\t-c\b\b; : qrx_cli x\b\b\b\b\b\b\b\b\b\b\b\b\b\b")
+        shell.send("qrx_cli ide\t")
         shell.expect("identify")
         shell.close(force=True)
 

@@ -73,14 +73,18 @@ class Pages(unittest.TestCase):
         reference = sections((MADE / "commands.md").read_text(), r"^### `(\S+)`$")
         seen = 0
         for word, text in reference.items():
-            for row in re.findall(r"^\| (`-.*?`) \|", text, re.MULTILINE):
-                for spelling in re.findall(r"`(-\S+)`", row):
-                    seen += 1
-                    # Whatever the command makes of it, the scanner knows it.
-                    done = subprocess.run(["qrx_sim", "--scenario", "none", "--", "qrx_cli", word, spelling, "/dev/null",
-                                           "--no-such-option"], env=ENVIRONMENT, check=False, capture_output=True, text=True)
-                    for refusal in (f"illegal option -- {spelling[1:]}\n", f"unrecognized option `{spelling}'", "ambiguous"):
-                        self.assertNotIn(refusal, done.stderr, f"{word} {spelling}")
+            spellings = [spelling for row in re.findall(r"^\| (`-.*?`) \|", text, re.MULTILINE)
+                         for spelling in re.findall(r"`(-\S+)`", row)]
+            seen += len(spellings)
+            # Each on a line of the shell; a last one that the scanner does not know, so that it is seen to complain.
+            lines = [f"{word} {spelling} /dev/null --none" for spelling in spellings] + [f"{word} --none", "exit", ""]
+            done = subprocess.run(["qrx_sim", "--", "qrx_cli"], env=ENVIRONMENT, check=True, capture_output=True, text=True,
+                                  input="\n".join(lines))
+            self.assertIn(f"{word}: unrecognized option `--none'\n", done.stderr)
+            for spelling in spellings:
+                for refusal in (f"illegal option -- {spelling[1:]}\n", f"unrecognized option `{spelling}'",
+                                f"option `{spelling}' is ambiguous"):
+                    self.assertNotIn(refusal, done.stderr, word)
         self.assertGreater(seen, 100)
 
     def test_the_manual_of_the_simulator_holds_its_three_help_pages(self):

@@ -7,7 +7,8 @@ by itself within the time limit, by no signal, and without a word from a sanitiz
 resort. A run that does not is printed with the flags that repeat it alone.
 
 Start-up is the same for every command, and has the first failures. With `version` each kind of failure befalls it; with
-other commands the first kind of device failure does, and the others begin where the command does.
+other commands the first kind of device failure does, and the others begin where the command does. With --dense a command
+of very many steps is tried at its first ones, and at some of the others.
 """
 import argparse
 import os
@@ -39,6 +40,14 @@ DEVICE_FAULTS = {
 }
 KINDS = {"device": list(DEVICE_FAULTS), "memory": ["allocation"], "file": ["error", "short-file"]}
 LIBRARIES = {"memory": "libqrx_fail_alloc.so", "file": "libqrx_fail_files.so"}
+
+
+def counts(first, dense):
+    """Counts from `first` up; behind `dense` of them, if it is not 0, each half as large again as the one before."""
+    nth = first
+    while nth < MOST_RUNS:
+        yield nth
+        nth += 1 if not dense or nth < first + dense else nth // 2
 
 
 class Trouble(Exception):
@@ -101,7 +110,7 @@ def torture(bench, what, kind, command, arguments):
     if not arguments.nth and command != STARTUP and kind != KINDS["device"][0]:
         first = max(bench.one(what, STARTUP, kind, 0) - (0 if what == "device" else END_CALLS), 0) + 1
     came, good = 0, True
-    for nth in [arguments.nth] if arguments.nth else range(first, MOST_RUNS):
+    for nth in [arguments.nth] if arguments.nth else counts(first, arguments.dense):
         try:
             if bench.one(what, command, kind, nth) < nth:
                 break
@@ -121,6 +130,7 @@ def main():
     parser.add_argument("--bin", required=True, type=pathlib.Path, help="directory of qrx_cli and qrx_sim")
     parser.add_argument("--only", action="append", help="these kinds of failure alone")
     parser.add_argument("--nth", type=int, help="this one run alone")
+    parser.add_argument("--dense", type=int, default=0, help="try each of so many, from there on fewer and fewer")
     parser.add_argument("--runs", type=pathlib.Path, help="a file that gets the number of runs")
     parser.add_argument("what", nargs="+", choices=KINDS)
     parser.add_argument("command", help="the command with its options, as one word; 'jbof: ...' on that machine")
