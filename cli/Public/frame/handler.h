@@ -17,9 +17,9 @@ namespace qrx {
 
 // Calls `read(letter)` for each option in `known`; it stores the argument, or complains and gives false. Any other
 // option shows the help. Gives what the handler has to return at once: `refused` after a complaint of `read` or of the
-// scanner, 0 after the help that was asked for, 1 after the help of a bare command word. Nothing: go on.
+// scanner, 0 after the help that was asked for. Nothing: go on. This is for commands that are complete without options.
 template <class Read>
-std::optional<int> readOptions(OptionScan& scan, PCommand_Info row, std::string_view known, int refused, Read&& read)
+std::optional<int> passOptions(OptionScan& scan, PCommand_Info row, std::string_view known, int refused, Read&& read)
 {
     for (int letter; (letter = scan.next()) != OptionScan::kEnd;) {
         if (letter == OptionScan::kError) {
@@ -31,6 +31,16 @@ std::optional<int> readOptions(OptionScan& scan, PCommand_Info row, std::string_
         if (!read(letter)) {
             return refused;
         }
+    }
+    return std::nullopt;
+}
+
+// The same for all others: a bare command word shows the help too, and the handler returns 1.
+template <class Read>
+std::optional<int> readOptions(OptionScan& scan, PCommand_Info row, std::string_view known, int refused, Read&& read)
+{
+    if (const std::optional<int> result = passOptions(scan, row, known, refused, read)) {
+        return result;
     }
     return scan.argc() == 1 ? std::optional<int>(showHelp(row, 1)) : std::nullopt;
 }
