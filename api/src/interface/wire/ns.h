@@ -59,3 +59,22 @@ struct _NVME_NS_ATTACHMENT_PRP {
 };
 using NVME_NS_ATTACHMENT_PRP = _NVME_NS_ATTACHMENT_PRP;
 static_assert(sizeof(_NVME_NS_ATTACHMENT_PRP) == 4096);
+
+// What the Namespace Management command is told of a namespace to be made; it lies at the start of a page of zeros.
+struct _NVME_NS_HSSF {
+    QRX_U64 nsze;  // logical blocks
+    QRX_U64 ncap;  // logical blocks
+    QRX_U8 reserved1[10];
+    QRX_U8 flbas;  // LBA format
+    QRX_U8 reserved2[2];
+    QRX_U8 dps;   // end-to-end protection
+    QRX_U8 nmic;  // sharing
+    QRX_U8 reserved3[353];
+};
+using NVME_NS_HSSF = _NVME_NS_HSSF;
+static_assert(sizeof(_NVME_NS_HSSF) == 384);
+static_assert(offsetof(_NVME_NS_HSSF, ncap) == 8);
+static_assert(offsetof(_NVME_NS_HSSF, flbas) == 26);
+static_assert(offsetof(_NVME_NS_HSSF, dps) == 29);
+static_assert(offsetof(_NVME_NS_HSSF, nmic) == 30);
+static_assert(offsetof(_NVME_NS_HSSF, reserved3) == 31);
