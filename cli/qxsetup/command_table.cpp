@@ -9,6 +9,7 @@
 #include "cli/Functions/builtin/help.h"
 #include "cli/Functions/builtin/version.h"
 #include "cli/Functions/flash/flash.h"
+#include "cli/Functions/gen/gen.h"
 #include "cli/Functions/passthru/passthru.h"
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
@@ -19,6 +20,10 @@
 #include "cli/Functions/simple/simple_vd.h"
 #include "cli/Functions/smart/smart.h"
 #include "cli/Functions/standard/identify.h"
+#include "cli/Functions/standard/mi_passthruread.h"
+#include "cli/Functions/standard/mi_passthruwrite.h"
+#include "cli/Functions/standard/mi_vpdread.h"
+#include "cli/Functions/standard/mi_vpdwrite.h"
 
 namespace {
 
@@ -46,15 +51,22 @@ Command_Info generalCmdTableV1[] = {
     row("debuglv", doSDEBUGLV, simple_debuglv_help, ":For switch debug level target"),
     row("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
     row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
+    row("vpdwrite", doVPDWrite, vpdwrite_help, ":Write VPD via standard MI-Send"),
     row("passthru", doPassthru, passthru_help, ":Passthrough NVMe admin command to backend device"),
     row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
     row("ns", doSNS, simple_ns_help, ":For namespace management"),
     row("identify", doIdentify, identify_help, ":Get controller identify info."),
+    row("vpdread", doVPDRead, vpdread_help, ":Read VPD via standard MI-Send and MI-Receive"),
 };
 
 Command_Info hiddenCmdTableV1[] = {
     row("--debug", doDebug, debug_help, debug_sh),
+    row("gen", doGen, gen_help,
+        ":Using for generate PRP data which file name is prp_data and size is 4K for nvme standard admin command"),
     row("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
+    row("mi_passthruread", doMIPassthruRead, mi_passthruread_help,
+        ":Read pass-through command via standard MI-Send and MI-Receive"),
+    row("mi_passthruwrite", doMIPassthruWrite, mi_passthruwrite_help, ":Write pass-through command via standard MI-Send"),
 };
 // clang-format on
 

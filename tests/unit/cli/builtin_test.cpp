@@ -42,10 +42,12 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "debuglv            :For switch debug level target\n"
                           "get                :For getting configuration information of NVMe Controller.\n"
                           "set                :For setting configuration parameters of NVMe Controller.\n"
+                          "vpdwrite           :Write VPD via standard MI-Send\n"
                           "passthru           :Passthrough NVMe admin command to backend device\n"
                           "vd                 :For VD create and delete\n"
                           "ns                 :For namespace management\n"
-                          "identify           :Get controller identify info.\n" +
+                          "identify           :Get controller identify info.\n"
+                          "vpdread            :Read VPD via standard MI-Send and MI-Receive\n" +
                           expected::kHelpFoot + "\n";
 
 TEST(HelpTexts, AreExact)
