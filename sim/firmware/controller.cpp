@@ -94,6 +94,21 @@ _hba_info Controller::hba_info() const
     return info;
 }
 
+VpdFacts Controller::vpd_facts() const
+{
+    VpdFacts facts{model, serial, 0, 0, 0};
+    for (const Drive& drive : drives) {
+        facts.capacity += drive.bytes();
+    }
+    const auto host = std::find_if(adapter.pcie.begin(), adapter.pcie.end(),
+                                   [](const PciePort& port) { return port.type == kPcieEndPoint; });
+    if (host != adapter.pcie.end()) {
+        facts.link_speeds = static_cast<QRX_U8>((1U << std::min<unsigned>(host->speed, 8)) - 1);
+        facts.link_width = host->width;
+    }
+    return facts;
+}
+
 std::span<const QRX_U8> Controller::vendor_opcodes() const
 {
     return kOpcodes;

@@ -10,10 +10,14 @@
 #include "sim/firmware/drive.h"
 #include "sim/firmware/event_list.h"
 #include "sim/firmware/hba_settings.h"
+#include "sim/firmware/management_endpoint.h"
 #include "sim/firmware/nvme_function.h"
 #include "sim/firmware/pair_mailbox.h"
 #include "sim/firmware/result.h"
 #include "sim/firmware/virtual_disk.h"
+#include "sim/firmware/vpd.h"
+
+struct nvmemi_message_header;
 
 namespace qrx::sim {
 
@@ -46,6 +50,8 @@ public:
     std::vector<Drive> drives;               // in order of id
     std::vector<VirtualDisk> virtual_disks;  // in order of id
     PairMailbox mailbox;
+    Vpd vpd;
+    ManagementEndpoint endpoint;
     EventList events;
     QRX_U64 namespaces_made = 0;  // since the start, so that no two have the same identifiers
 
@@ -67,6 +73,8 @@ public:
     [[nodiscard]] NVME_VD_Info vd_record(const VirtualDisk& vd) const;
     [[nodiscard]] NVME_NS_Info ns_record(const Namespace& ns) const;
     [[nodiscard]] _hba_info hba_info() const;
+    // What the factory writes into its VPD.
+    [[nodiscard]] VpdFacts vpd_facts() const;
 
 protected:
     Completion vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data) override;
@@ -77,6 +85,9 @@ protected:
     [[nodiscard]] Clock::Duration next_change() const override;
     [[nodiscard]] bool attaches_namespaces() const override { return (adapter.features & kFeatureNamespace) != 0; }
     Completion attach(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
+    [[nodiscard]] bool has_management_endpoint() const override { return true; }
+    Completion management_send(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
+    Completion management_receive(std::span<QRX_U8> data) override;
     [[nodiscard]] QRX_U64 firmware_limit() const override;
     [[nodiscard]] std::string firmware_version() const override { return version_text(adapter.firmware); }
     void take_version(const std::string& version) override;
@@ -86,6 +97,11 @@ protected:
 private:
     // The tunnel: lets a drive carry out the command that the words of this one describe.
     Completion tunnel(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    // The messages of the management interface, each whole: its commands, and the tunnel in one for an admin command.
+    Completion management_command(const nvmemi_message_header& header, std::span<const QRX_U8> message);
+    Completion management_tunnel(const nvmemi_message_header& header, std::span<const QRX_U8> message);
+    // Makes the answer that waits from now on.
+    void answer_management(const nvmemi_message_header& request, QRX_U8 mi_status, std::span<const QRX_U8> data = {});
     // What lay on the drive is gone: its place in a virtual disk, its namespaces, what others left on it.
     void forget_contents(Drive& drive);
     // Takes over a raw image that a host has sent, before its commit.

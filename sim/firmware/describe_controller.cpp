@@ -17,6 +17,21 @@ void describe(Io& io, PairMailbox& mailbox)
     io.bytes("request", mailbox.request, PairMailbox::kRequestMax);
 }
 
+// A store; bytes that the text leaves out are erased.
+template <class Io>
+void describe_store(Io& io, const char* key, std::vector<QRX_U8>& store, std::size_t size)
+{
+    io.bytes(key, store, size);
+    store.resize(size, Vpd::kErased);
+}
+
+template <class Io>
+void describe(Io& io, Vpd& vpd)
+{
+    describe_store(io, "eeprom", vpd.eeprom, Vpd::kEepromSize);
+    describe_store(io, "spi", vpd.spi, Vpd::kSpiSize);
+}
+
 constexpr auto kSubjectWords =
     std::to_array<JsonWord>({{Event::kAdapter, "adapter"}, {Event::kPd, "pd"}, {Event::kVd, "vd"}, {Event::kNs, "ns"}});
 
@@ -98,6 +113,11 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
             [&](auto& inner, VirtualDisk& vd) { describe(inner, vd, controller); });
     io.list("namespaces", controller.namespaces, Controller::kMaxNamespaces,
             [&](auto& inner, Namespace& ns) { describe(inner, ns, controller); });
+    if (Io::kReads) {
+        controller.vpd = factory_vpd(controller.vpd_facts());
+    }
+    io.object("vpd", [&](auto& inner) { describe(inner, controller.vpd); });
+    io.object("endpoint", [&](auto& inner) { inner.bytes("answer", controller.endpoint.answer, wire::kPageSize); });
     io.object("mailbox", [&](auto& inner) { describe(inner, controller.mailbox); });
     io.object("events", [&](auto& inner) { describe(inner, controller.events); });
     io.number("namespaces_made", controller.namespaces_made, 0, kAny32);

@@ -74,7 +74,8 @@ nvme_id_ctrl NvmeFunction::identify_controller() const
     id.rtd3e = 8000000;
     id.cntrltype = 1;  // an I/O controller
     id.oacs = static_cast<QRX_U16>((formats() ? 1U << 1 : 0) | 1U << 2 |
-                                   (attaches_namespaces() || manages_namespaces() ? 1U << 3 : 0));
+                                   (attaches_namespaces() || manages_namespaces() ? 1U << 3 : 0) |
+                                   (has_management_endpoint() ? 1U << 6 : 0));
     id.acl = 3;
     id.aerl = 0;  // one asynchronous event request
     id.frmw = slots.capabilities();

@@ -93,6 +93,10 @@ nvme_effects_log NvmeFunction::effects_log() const
     if (manages_namespaces()) {
         log.acs[admin::kNamespaceManagement] = kSupported | kChangesContent | kChangesInventory;
     }
+    if (has_management_endpoint()) {
+        log.acs[admin::kManagementSend] = kSupported;
+        log.acs[admin::kManagementReceive] = kSupported;
+    }
     if (formats()) {
         log.acs[admin::kFormat] = kSupported | kChangesContent | kChangesNamespace;
     }

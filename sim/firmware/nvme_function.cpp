@@ -53,6 +53,10 @@ Completion NvmeFunction::admin(const nvme_admin_cmd& command, std::span<QRX_U8> 
         return download_firmware(command, data);
     case admin::kFirmwareCommit:
         return commit_firmware(command);
+    case admin::kManagementSend:
+        return has_management_endpoint() ? management_send(command, data) : complete(status::kInvalidOpcode);
+    case admin::kManagementReceive:
+        return has_management_endpoint() ? management_receive(data) : complete(status::kInvalidOpcode);
     case admin::kFormat:
         return formats() ? format(command) : complete(status::kInvalidOpcode);
     case admin::kAbort:
@@ -86,6 +90,16 @@ Completion NvmeFunction::manage(const nvme_admin_cmd& /*command*/, std::span<con
 }
 
 Completion NvmeFunction::format(const nvme_admin_cmd& /*command*/)
+{
+    return complete(status::kInvalidOpcode);
+}
+
+Completion NvmeFunction::management_send(const nvme_admin_cmd& /*command*/, std::span<const QRX_U8> /*data*/)
+{
+    return complete(status::kInvalidOpcode);
+}
+
+Completion NvmeFunction::management_receive(std::span<QRX_U8> /*data*/)
 {
     return complete(status::kInvalidOpcode);
 }

@@ -104,6 +104,11 @@ protected:
     [[nodiscard]] virtual bool formats() const { return false; }
     // Format NVM, if formats().
     virtual Completion format(const nvme_admin_cmd& command);
+    // Has a management endpoint that NVMe-MI Send and Receive reach.
+    [[nodiscard]] virtual bool has_management_endpoint() const { return false; }
+    // Both, if has_management_endpoint().
+    virtual Completion management_send(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    virtual Completion management_receive(std::span<QRX_U8> data);
     // Most bytes of a firmware image.
     [[nodiscard]] virtual QRX_U64 firmware_limit() const { return QRX_U64{16} << 20; }
     // The version that runs, in full, where the device knows it beside the slot's revision.

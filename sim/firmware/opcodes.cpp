@@ -5,6 +5,7 @@
 #include <span>
 
 #include "api/src/interface/wire/command.h"
+#include "api/src/interface/wire/mi.h"
 
 namespace qrx::sim {
 
@@ -33,8 +34,8 @@ constexpr auto kAdminNames = std::to_array<Name>({
     {admin::kNamespaceAttachment, "ns-attachment"},
     {0x18, "keep-alive"},
     {0x1C, "virtualization-management"},
-    {0x1D, "mi-send"},
-    {0x1E, "mi-receive"},
+    {admin::kManagementSend, "mi-send"},
+    {admin::kManagementReceive, "mi-receive"},
     {admin::kFormat, "format"},
     {0x81, "security-send"},
     {0x82, "security-receive"},
@@ -55,6 +56,17 @@ constexpr auto kIoNames = std::to_array<Name>({
     {nvm::kCompare, "compare"},
     {nvm::kWriteZeroes, "write-zeroes"},
     {0x09, "dataset-management"},
+});
+
+constexpr auto kManagementNames = std::to_array<Name>({
+    {0x00, "read-data-structure"},
+    {0x01, "subsystem-health-poll"},
+    {0x02, "controller-health-poll"},
+    {0x03, "configuration-set"},
+    {0x04, "configuration-get"},
+    {kMiVpdRead, "vpd-read"},
+    {kMiVpdWrite, "vpd-write"},
+    {0x07, "reset"},
 });
 
 constexpr auto kVendorNames = std::to_array<Name>({
@@ -121,6 +133,13 @@ const char* admin_opcode_name(QRX_U8 opcode)
 const char* io_opcode_name(QRX_U8 opcode)
 {
     return find(kIoNames, opcode);
+}
+
+const char* management_opcode_name(QRX_U8 message_type, QRX_U8 opcode)
+{
+    return message_type == kMiAdminCommand
+               ? admin_opcode_name(opcode)
+               : find(message_type == kMiCommand ? kManagementNames : std::span<const Name>(), opcode);
 }
 
 const char* vendor_command_name(QRX_U16 command)

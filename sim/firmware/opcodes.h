@@ -22,6 +22,8 @@ inline constexpr QRX_U8 kNamespaceManagement = 0x0D;
 inline constexpr QRX_U8 kFirmwareCommit = 0x10;
 inline constexpr QRX_U8 kFirmwareDownload = 0x11;
 inline constexpr QRX_U8 kNamespaceAttachment = 0x15;
+inline constexpr QRX_U8 kManagementSend = 0x1D;
+inline constexpr QRX_U8 kManagementReceive = 0x1E;
 inline constexpr QRX_U8 kFormat = 0x80;
 }  // namespace admin
 
@@ -61,6 +63,9 @@ inline constexpr QRX_U16 kCreateNs = 0x04E5;
 inline constexpr QRX_U16 kReadNsSharing = 0x05E5;
 inline constexpr QRX_U16 kReadNsHealth = 0x08E5;
 }  // namespace vendor
+
+// Opcodes of messages of the management interface, by the kind of message.
+[[nodiscard]] const char* management_opcode_name(QRX_U8 message_type, QRX_U8 opcode);
 
 // Whether the opcode's two low bits say that data goes to the device, or comes from it.
 [[nodiscard]] constexpr bool data_to_device(QRX_U8 opcode)

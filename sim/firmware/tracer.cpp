@@ -7,6 +7,7 @@
 #include "api/src/interface/wire/buffer.h"
 #include "api/src/interface/wire/command.h"
 #include "api/src/interface/wire/envelope.h"
+#include "api/src/interface/wire/mi.h"
 #include "sim/firmware/errno_name.h"
 #include "sim/firmware/opcodes.h"
 #include "sim/firmware/status.h"
@@ -62,6 +63,31 @@ void append_words(std::string& line, const nvme_admin_cmd& command)
     append_word(line, "timeout_ms", command.timeout_ms);
 }
 
+// What a message of the management interface asks for.
+void append_message(std::string& line, std::span<const QRX_U8> message)
+{
+    const auto header = wire::read<nvmemi_message_header>(message);
+    const auto opcode = wire::read<QRX_U8>(message, offsetof(nvmemi_command_request_message, Opcode));
+    if (!header || !opcode) {
+        return;
+    }
+    line += ' ';
+    line += management_opcode_name(header->NVMe_MI_Msg_Type, *opcode);
+    line += '(' + hex(*opcode, 2) + ')';
+    const auto append = [&](const char* name, std::size_t at) {
+        append_word(line, name, wire::read<QRX_U32>(message, at).value_or(0));
+    };
+    if (header->NVMe_MI_Msg_Type == kMiCommand) {
+        append("dw0", offsetof(nvmemi_command_request_message, Request_DW0));
+        append("dw1", offsetof(nvmemi_command_request_message, Request_DW1));
+    } else {
+        append("sqe1", offsetof(nvmemi_admin_command_request_message, Submission_Queue_Entry_Dword1));
+        append("sqe10", offsetof(nvmemi_admin_command_request_message, Submission_Queue_Entry_Dword10));
+        append("sqe14", offsetof(nvmemi_admin_command_request_message, Submission_Queue_Entry_Dword14));
+        append("sqe15", offsetof(nvmemi_admin_command_request_message, Submission_Queue_Entry_Dword15));
+    }
+}
+
 const char* direction(QRX_U8 opcode)
 {
     if (data_to_device(opcode) == data_from_device(opcode)) {
@@ -78,6 +104,13 @@ QRX_U8 verdict_of(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
     }
     const auto envelope = wire::read<NVMEReceiveData>(data);
     return envelope && std::memcmp(envelope->sign, kFrameSign, 3) == 0 ? envelope->cmd_status : QRX_U8{0};
+}
+
+// The status of an answer of the management interface, else 0.
+QRX_U8 management_status_of(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
+{
+    constexpr std::size_t kStatus = sizeof(nvmemi_message_header);
+    return command.opcode == admin::kManagementReceive ? wire::read<QRX_U8>(data, kStatus).value_or(0) : QRX_U8{0};
 }
 
 }  // namespace
@@ -112,6 +145,9 @@ void Tracer::write_line(const Node& node, bool admin_queue, const nvme_admin_cmd
         line += vendor_command_name(code);
         line += '(' + hex(code, 4) + ')';
     }
+    if (admin_queue && opcode == admin::kManagementSend) {
+        append_message(line, data);
+    }
     append_words(line, command);
     if (!data.empty()) {
         line += direction(opcode);
@@ -128,6 +164,7 @@ void Tracer::write_line(const Node& node, bool admin_queue, const nvme_admin_cmd
         append_word(line, "result", completion.result);
         if (admin_queue && completion.status == status::kSuccess) {
             append_word(line, "cmd_status", verdict_of(command, data));
+            append_word(line, "mi_status", management_status_of(command, data));
         }
     }
     line += '\n';

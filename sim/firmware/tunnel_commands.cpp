@@ -102,6 +102,7 @@ void Controller::take_version(const std::string& version)
 void Controller::reset_back_end()
 {
     mailbox = {};
+    endpoint = {};
     for (Drive& drive : drives) {
         drive.reset();
     }

@@ -81,6 +81,47 @@ TEST_F(TracerTest, NamesTheVendorCommand)
     EXPECT_EQ(admin(command, 0), "3 nvme0 admin vendor-write(0xc7) unknown(0xabcd) cdw12=0xabcd -> success\n");
 }
 
+TEST_F(TracerTest, TellsWhatAMessageAsksFor)
+{
+    nvme_admin_cmd command{};
+    command.opcode = 0x1D;
+    command.cdw11 = 0x103;
+    const auto traced = [&](std::vector<QRX_U8> message) {
+        out_.str("");
+        tracer_.admin({}, command, message);
+        return out_.str();
+    };
+    EXPECT_EQ(traced({0x84, 0x08, 0, 0, 5, 0, 0, 0, 0x10, 2, 0, 0, 0x20, 3, 0, 0}),
+              "1 nvme0 admin mi-send(0x1d) vpd-read(0x05) dw0=0x210 dw1=0x320 cdw11=0x103 out=16 -> success\n");
+    EXPECT_EQ(traced({0x84, 0x08, 0, 0, 6}),
+              "2 nvme0 admin mi-send(0x1d) vpd-write(0x06) cdw11=0x103 out=5 -> success\n");
+    std::vector<QRX_U8> tunnel(68);
+    tunnel[1] = 0x10;
+    tunnel[4] = 0xC2;
+    tunnel[8] = 0x21;
+    tunnel[44] = 0x22;
+    tunnel[60] = 0x23;
+    tunnel[64] = 0x24;
+    EXPECT_EQ(traced(tunnel),
+              "3 nvme0 admin mi-send(0x1d) tunnel-from-drive(0xc2) sqe1=0x21 sqe10=0x22 sqe14=0x23 "
+              "sqe15=0x24 cdw11=0x103 out=68 -> success\n");
+    tunnel[1] = 0x18;
+    EXPECT_NE(traced(tunnel).find(" mi-send(0x1d) unknown(0xc2) "), std::string::npos);
+    EXPECT_EQ(traced({0x84, 0x08, 0, 0}), "5 nvme0 admin mi-send(0x1d) cdw11=0x103 out=4 -> success\n");
+    EXPECT_EQ(traced({}), "6 nvme0 admin mi-send(0x1d) cdw11=0x103 -> success\n");
+}
+
+TEST_F(TracerTest, TellsTheStatusOfAnAnswer)
+{
+    nvme_admin_cmd command{};
+    command.opcode = 0x1E;
+    host_.answer = {0x04, 0x88, 0, 0, 0x04};
+    EXPECT_EQ(admin(command, 4096), "1 nvme0 admin mi-receive(0x1e) in=4096 -> success mi_status=0x4\n");
+    EXPECT_EQ(admin(command, 4), "2 nvme0 admin mi-receive(0x1e) in=4 -> success\n");
+    host_.answer[4] = 0;
+    EXPECT_EQ(admin(command, 4096), "3 nvme0 admin mi-receive(0x1e) in=4096 -> success\n");
+}
+
 TEST_F(TracerTest, WritesEveryWordThatIsNotZero)
 {
     nvme_admin_cmd command{};
