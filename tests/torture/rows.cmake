@@ -18,6 +18,8 @@ set(torture_rows
     "led -o ep -i 0 -a qb" "gpio --set-default=yes" "inverse -a get" "inverse -a inverse" "vpd -t spi"
     "reg -t read -a 0x10" "reg -t write -a 0x10 -d 1" "i2c -i 2" "qxf -a on" "protect -a on" "sriov -a off" "pcie -i 0"
     "hotkey -k D" "hotkey -k w" "hotkey -k 12bg" "hotkey --waiveconfirmation -k v"
+    "vpdread -o 0 -l 250" "vpdread -o 0 -l 250 -f output" "vpdwrite -o 0 -l 12 -f /proc/version" "gen -t attachns --list=0,1"
+    "mi_passthruread -i 1" "mi_passthruread -l 64 -f output" "mi_passthruwrite -o 0 -l 12 -f /proc/version"
 )
 # A run of it lasts two seconds, and tests/cli/flash_failure_test.py sees it fail in all the other ways.
 set(torture_rows_of_updates "flash -o hba -f image -s 1 -c 1")
