@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
+#include <cstdio>
 #include <cstring>
 #include <span>
 #include <sstream>
@@ -70,7 +70,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     argv.push_back(nullptr);
     const qrx::Host host{plugIn, [] {}, readLine, [](const char*) { return 0; }, [] {}};
     (void)qrx::run(static_cast<int>(words.size()), argv.data(), host);
-    std::free(g_pAdInfos);  // left where the controller that was asked for does not exist
-    g_pAdInfos = nullptr;
+    if (stream != stdout) {  // left open where the controller that was asked for does not exist
+        std::fclose(stream);
+        stream = stdout;
+    }
     return 0;
 }
