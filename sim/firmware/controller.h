@@ -12,6 +12,7 @@
 #include "sim/firmware/hba_settings.h"
 #include "sim/firmware/nvme_function.h"
 #include "sim/firmware/pair_mailbox.h"
+#include "sim/firmware/pcie_interface.h"
 #include "sim/firmware/result.h"
 #include "sim/firmware/virtual_disk.h"
 
@@ -46,6 +47,7 @@ public:
     std::vector<Drive> drives;               // in order of id
     std::vector<VirtualDisk> virtual_disks;  // in order of id
     PairMailbox mailbox;
+    std::vector<PcieInterface> interfaces;  // those that differ from a fresh one, in order of id
     EventList events;
     QRX_U64 namespaces_made = 0;  // since the start, so that no two have the same identifiers
 
@@ -91,6 +93,13 @@ private:
     // Takes over a raw image that a host has sent, before its commit.
     Verdict check_raw_image(const nvme_admin_cmd& command);
     Completion read_namespace_health(QRX_U16 nsid, std::span<QRX_U8> data) const;
+
+    // Registers. What adapter says of an interface, or null where there is none.
+    [[nodiscard]] const PciePort* port_of(QRX_U8 interface) const;
+    // The interface, made if need be.
+    [[nodiscard]] PcieInterface& interface_at(QRX_U8 id);
+    Completion read_register(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    Verdict write_register(const nvme_admin_cmd& command);
 
     // The vendor commands of opcode 0xE2.
     Completion vendor_read(const nvme_admin_cmd& command, std::span<QRX_U8> data);

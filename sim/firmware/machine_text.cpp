@@ -653,6 +653,32 @@ void describe(Io& io, PairMailbox& mailbox)
     io.bytes("request", mailbox.request, PairMailbox::kRequestMax);
 }
 
+template <class Io>
+void describe(Io& io, PcieInterface& interface, const Controller& controller)
+{
+    struct Register {
+        QRX_U32 address = 0;
+        QRX_U32 value = 0;
+    };
+    io.number("id", interface.id, 0, kAny8);
+    const auto& others = controller.interfaces;
+    io.check(!Io::kReads || std::none_of(others.begin(), others.end() - 1,
+                                         [&](const PcieInterface& other) { return other.id == interface.id; }),
+             "id", "is the id of an earlier interface");
+    std::vector<Register> registers;
+    for (const auto& [address, value] : interface.registers) {
+        registers.push_back({address, value});
+    }
+    io.list("registers", registers, PcieInterface::kMostRegisters, [&](auto& inner, Register& entry) {
+        inner.number("address", entry.address, 0, kAny32);
+        inner.check(entry.address % 4 == 0, "address", "is no multiple of 4");
+        inner.number("value", entry.value, 1, kAny32);
+        if (Io::kReads && !inner.failed()) {
+            inner.check(interface.registers.emplace(entry.address, entry.value).second, "address", "occurs twice");
+        }
+    });
+}
+
 constexpr auto kSubjectWords =
     std::to_array<JsonWord>({{Event::kAdapter, "adapter"}, {Event::kPd, "pd"}, {Event::kVd, "vd"}, {Event::kNs, "ns"}});
 
@@ -691,11 +717,14 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
             [&](auto& inner, VirtualDisk& vd) { describe(inner, vd, controller); });
     io.list("namespaces", controller.namespaces, Controller::kMaxNamespaces,
             [&](auto& inner, Namespace& ns) { describe(inner, ns, controller); });
+    io.list("interfaces", controller.interfaces, kAny8 + 1,
+            [&](auto& inner, PcieInterface& interface) { describe(inner, interface, controller); });
     io.object("mailbox", [&](auto& inner) { describe(inner, controller.mailbox); });
     io.object("events", [&](auto& inner) { describe(inner, controller.events); });
     io.number("namespaces_made", controller.namespaces_made, 0, kAny32);
     sort_by(controller.drives, &Drive::id);
     sort_by(controller.virtual_disks, &VirtualDisk::id);
+    sort_by(controller.interfaces, &PcieInterface::id);
     sort_by(controller.namespaces, &Namespace::nsid);
 }
 

@@ -102,6 +102,9 @@ void Controller::take_version(const std::string& version)
 void Controller::reset_back_end()
 {
     mailbox = {};
+    for (PcieInterface& interface : interfaces) {
+        interface.reset();
+    }
     for (Drive& drive : drives) {
         drive.reset();
     }

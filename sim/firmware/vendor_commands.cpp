@@ -71,6 +71,8 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return adapter.raid() ? reply_with(data, config.record()) : reply(data, Verdict::kNotSupported);
     case vendor::kSetTime:
         return set_time(command.cdw13, command.cdw14);
+    case vendor::kReadRegister:
+        return read_register(command, data);
     case vendor::kReadHbaInfo: {
         const auto page = data.first(std::min(data.size(), wire::kPageSize));
         std::fill(page.begin(), page.end(), QRX_U8{0});
@@ -106,6 +108,8 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
     switch (static_cast<QRX_U16>(command.cdw12)) {
     case vendor::kWriteAdapterConfig:
         return set_config(static_cast<QRX_U8>(low), static_cast<QRX_U8>(low >> 8));
+    case vendor::kWriteRegister:
+        return write_register(command);
     case vendor::kActivateFirmware:
         return check_raw_image(command);
     case vendor::kSetDebugLevel:
