@@ -234,7 +234,7 @@ Verdict Controller::start_rebuild(QRX_U32 id, QRX_U32 pd)
 
 Verdict Controller::start_drive_patrol(QRX_U32 pd)
 {
-    Drive* const drive = drive_of(pd);
+    Drive* const drive = reachable_drive(pd);
     if (drive == nullptr) {
         return Verdict::kInvalidPd;
     }

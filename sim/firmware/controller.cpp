@@ -10,7 +10,7 @@ namespace qrx::sim {
 namespace {
 
 constexpr auto kOpcodes =
-    std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead),
+    std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead), static_cast<QRX_U8>(kVendorWrite),
                            static_cast<QRX_U8>(kTunnelFromDrive), static_cast<QRX_U8>(kTunnelToDrive)});
 
 }  // namespace
@@ -77,6 +77,16 @@ NVME_NS_Info Controller::ns_record(const Namespace& ns) const
     return ns.record(parent != nullptr ? parent->status : kVdFunctional);
 }
 
+NVME_Adapter_Info Controller::adapter_record() const
+{
+    NVME_Adapter_Info info = adapter.record(address);
+    if (!board.sriov) {
+        info.VisibleVfNum[0] = 0;
+        info.VisibleVfNum[1] = 0;
+    }
+    return info;
+}
+
 _hba_info Controller::hba_info() const
 {
     _hba_info info{};
@@ -120,9 +130,11 @@ bool Controller::in_service(const Namespace& ns) const
 {
     if (ns.parent_kind == kNsParentVd) {
         const VirtualDisk* const vd = find_virtual_disk(ns.parent);
-        return vd != nullptr && vd->online();
+        // I/O waits for a member that has lost its power, as it would for one that is slow: it may come back.
+        return vd != nullptr && vd->online() &&
+               std::all_of(vd->members.begin(), vd->members.end(), [this](QRX_U16 pd) { return board.reachable(pd); });
     }
-    const Drive* const drive = find_drive(ns.parent);
+    const Drive* const drive = reachable_drive(ns.parent);
     return drive != nullptr && !drive->failed;
 }
 

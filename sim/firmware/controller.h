@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "sim/firmware/adapter.h"
+#include "sim/firmware/board.h"
 #include "sim/firmware/drive.h"
 #include "sim/firmware/event_list.h"
 #include "sim/firmware/hba_settings.h"
@@ -44,6 +45,7 @@ public:
     Adapter adapter;
     AdapterConfig config;
     HbaSettings settings;
+    Board board;
     std::vector<Drive> drives;               // in order of id
     std::vector<VirtualDisk> virtual_disks;  // in order of id
     PairMailbox mailbox;
@@ -65,6 +67,7 @@ public:
     std::optional<Failure> replace_drive(QRX_U32 id);
 
     // The records that the firmware reports.
+    [[nodiscard]] NVME_Adapter_Info adapter_record() const;
     [[nodiscard]] NVME_PD_Info pd_record(const Drive& drive) const;
     [[nodiscard]] NVME_VD_Info vd_record(const VirtualDisk& vd) const;
     [[nodiscard]] NVME_NS_Info ns_record(const Namespace& ns) const;
@@ -73,6 +76,7 @@ public:
 protected:
     Completion vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data) override;
     [[nodiscard]] std::span<const QRX_U8> vendor_opcodes() const override;
+    [[nodiscard]] std::vector<QRX_U8> vendor_log(QRX_U8 page) const override;
     [[nodiscard]] Capacity capacity() const override;
     [[nodiscard]] QRX_U32 max_namespaces() const override { return adapter.max_ns; }
     void advance_back_end(Clock::Duration passed) override;
@@ -92,6 +96,8 @@ private:
     void forget_contents(Drive& drive);
     // Takes over a raw image that a host has sent, before its commit.
     Verdict check_raw_image(const nvme_admin_cmd& command);
+    // The vendor commands of opcode 0xC7.
+    Completion vendor_write(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     Completion read_namespace_health(QRX_U16 nsid, std::span<QRX_U8> data) const;
 
     // Registers. What adapter says of an interface, or null where there is none.
@@ -116,6 +122,26 @@ private:
     [[nodiscard]] std::optional<Verdict> carry_out(const nvme_admin_cmd& command);
     // Writes the records of the namespaces that lie on `vd`, or on any virtual disk, from `payload` on.
     void put_namespaces_of(QRX_U8 vd, std::span<QRX_U8> payload) const;
+
+    // The board. A drive as long as it has power and is out of reset, or null.
+    [[nodiscard]] const Drive* reachable_drive(QRX_U32 id) const;
+    [[nodiscard]] Drive* reachable_drive(QRX_U32 id);
+    // Whether a drive may go away for a moment: nothing runs on it.
+    [[nodiscard]] Verdict check_interruptible(QRX_U32 pd) const;
+    // Whether it may stay away: nobody uses it besides.
+    [[nodiscard]] Verdict check_unused(QRX_U32 pd) const;
+    Verdict reset_back_end_device(QRX_U32 word);
+    Verdict reset_device(QRX_U16 id);
+    Verdict switch_power(QRX_U16 pin, QRX_U8 action);
+    Verdict switch_perst(QRX_U16 pd, QRX_U8 action);
+    Verdict set_led(QRX_U8 object, QRX_U32 word);
+    Verdict set_gpio(const nvme_admin_cmd& command);
+    Verdict set_inverse(QRX_U8 value);
+    Completion get_inverse(std::span<QRX_U8> data) const;
+    Verdict set_vpd_target(QRX_U32 target);
+    [[nodiscard]] Verdict test_i2c(QRX_U16 channel) const;
+    Verdict switch_feature(bool HbaSettings::*feature, const char* name, QRX_U32 on);
+    Completion write_spi(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
 
     // Virtual disks.
     [[nodiscard]] VirtualDisk* vd_of(QRX_U32 id);

@@ -99,11 +99,16 @@ void NvmeFunction::run_firmware(unsigned target)
     }
 }
 
-void NvmeFunction::reset()
+void NvmeFunction::restart()
 {
     download.clear();
     run_firmware(slots.next != 0 ? slots.next : slots.active);
     features = Features();
+}
+
+void NvmeFunction::reset()
+{
+    restart();
     clock = Clock();
     ++health.power_cycles;
     reset_back_end();

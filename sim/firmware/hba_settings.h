@@ -10,6 +10,7 @@ struct HbaSettings {
     bool debug_dump = false;   // debug messages go to the SPI log
     bool flash_tools = false;  // manufacturing flash tool
     bool sriov = false;
+    bool protection = false;   // hosts do not write the SPI flash; not in the stored record
     bool vpd_in_spi = false;   // VPD lies in the SPI flash, not in the EEPROM
     bool errors_only = false;  // log level
     bool dsp = true;
@@ -19,11 +20,11 @@ struct HbaSettings {
     QRX_U8 max_namespaces = 32;
     bool virtual_namespaces = false;
     QRX_U8 firmware_slot = 0;
-    QRX_U32 gpio_enable = 0x00000F0F;
-    QRX_U32 gpio_levels = 0x00000F00;
-    QRX_U32 gpio_values = 0x00000101;
+    QRX_U32 gpio_enable = 0x00000F3F;
+    QRX_U32 gpio_levels = 0x00000F30;
+    QRX_U32 gpio_values = 0x00000131;
     bool gpio_from_settings = true;  // the pins are set from here at the next boot
-    QRX_U8 gpio_inverse = 0;         // GPIO 8 to 11, a bit for each
+    QRX_U8 gpio_inverse = 0;         // GPIO 8 to 11: 0 as they are, 1 inverted
 
     friend bool operator==(const HbaSettings&, const HbaSettings&) = default;
 

@@ -2,6 +2,7 @@
 // between them.
 #include <algorithm>
 #include <functional>
+#include <tuple>
 
 #include "sim/firmware/factory.h"
 #include "sim/firmware/json_fields.h"
@@ -79,6 +80,9 @@ constexpr auto kRevisionBits = std::to_array<JsonWord>({{4, "stepping-a"}, {5, "
 constexpr auto kCacheWords = std::to_array<JsonWord>({{0, "off"}, {1, "on"}});
 constexpr auto kSkuWords = std::to_array<JsonWord>({{0, "V"}, {1, "D"}, {2, "B"}, {3, "A"}});
 constexpr auto kPortWords = std::to_array<JsonWord>({{kPcieEndPoint, "end-point"}, {kPcieRootComplex, "root-complex"}});
+constexpr auto kLedWords =
+    std::to_array<JsonWord>({{Led::kOn, "on"}, {Led::kSlowBlink, "slow-blink"}, {Led::kQuickBlink, "quick-blink"}});
+constexpr auto kChannelBits = std::to_array<JsonWord>({{1, "clock-buffer"}, {2, "bay-1"}, {4, "bay-2"}});
 constexpr auto kSpeedWords = std::to_array<JsonWord>({{1, "2.5Gb/s"}, {2, "5Gb/s"}, {3, "8Gb/s"}});
 constexpr auto kRateWords = std::to_array<JsonWord>({{0, "high"}, {2, "medium"}, {32, "low"}});
 constexpr auto kNeedWords = std::to_array<JsonWord>({{FirmwareSlots::kNothing, "nothing"},
@@ -178,6 +182,7 @@ void describe(Io& io, HbaSettings& settings)
     io.flag("debug_dump", settings.debug_dump);
     io.flag("flash_tools", settings.flash_tools);
     io.flag("sriov", settings.sriov);
+    io.flag("protection", settings.protection);
     io.flag("vpd_in_spi", settings.vpd_in_spi);
     io.flag("errors_only", settings.errors_only);
     io.flag("dsp", settings.dsp);
@@ -192,6 +197,47 @@ void describe(Io& io, HbaSettings& settings)
     io.number("gpio_values", settings.gpio_values, 0, kAny32);
     io.flag("gpio_from_settings", settings.gpio_from_settings);
     io.number("gpio_inverse", settings.gpio_inverse, 0, kAny8);
+}
+
+template <class Io>
+void describe_pins(Io& io, const char* key, QRX_U8& pins)
+{
+    io.number(key, pins, 0, Board::kSettablePins);
+    io.check((pins & ~Board::kSettablePins) == 0, key, "holds a bit below 4; the pins are GPIO 4 to 7");
+}
+
+template <class Io>
+void describe(Io& io, Led& led, const Board& board)
+{
+    io.code("object", led.object, kPortWords);
+    io.number("id", led.id, 0, kAny8);
+    io.code("state", led.state, kLedWords);
+    io.check(led.object <= kPcieRootComplex, "object", "is neither an end point nor a root complex");
+    io.check(led.state > Led::kOff && led.state <= Led::kQuickBlink, "state", "is none of an LED that is listed");
+    const auto same = [&](const Led& other) { return other.object == led.object && other.id == led.id; };
+    io.check(!Io::kReads || std::none_of(board.leds.begin(), board.leds.end() - 1, same), "id",
+             "is the id of an earlier LED");
+}
+
+template <class Io>
+void describe(Io& io, Board& board)
+{
+    describe_pins(io, "functions", board.functions);
+    describe_pins(io, "levels", board.levels);
+    describe_pins(io, "values", board.values);
+    io.number("in_reset", board.in_reset, 0, (1U << Board::kPerstLines) - 1);
+    io.list("leds", board.leds, kPcieInfoMax, [&](auto& inner, Led& led) { describe(inner, led, board); });
+    std::sort(board.leds.begin(), board.leds.end(), [](const Led& left, const Led& right) {
+        return std::tie(left.object, left.id) < std::tie(right.object, right.id);
+    });
+    io.mask("silent_channels", board.silent_channels, kChannelBits);
+    io.check((board.silent_channels & ~Board::kChannels) == 0, "silent_channels", "names a channel that is not there");
+    io.flag("flash_tools", board.flash_tools);
+    io.flag("sriov", board.sriov);
+    io.flag("protection", board.protection);
+    std::vector<QRX_U8> spi = board.spi;
+    io.bytes("spi", spi, Board::kSpiBlock);
+    board.write_spi(spi);
 }
 
 template <class Io>
@@ -710,6 +756,10 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
     io.object("adapter", [&](auto& inner) { describe(inner, controller.adapter); });
     io.object("config", [&](auto& inner) { describe(inner, controller.config); });
     io.object("settings", [&](auto& inner) { describe(inner, controller.settings); });
+    if (Io::kReads) {
+        controller.board.boot(controller.settings);
+    }
+    io.object("board", [&](auto& inner) { describe(inner, controller.board); });
     controller.subsystem_vendor_id = controller.adapter.subsystem_vendor_id;
     io.list("drives", controller.drives, kMaxPdId + 1,
             [&](auto& inner, Drive& drive) { describe(inner, drive, controller); });

@@ -75,7 +75,7 @@ Verdict Controller::initialize_namespaces(QRX_U16 pd, QRX_U32 count)
     if (adapter.raid()) {
         return Verdict::kNotSupported;
     }
-    Drive* const drive = drive_of(pd);
+    Drive* const drive = reachable_drive(pd);
     if (drive == nullptr) {
         return Verdict::kInvalidPd;
     }
@@ -107,7 +107,7 @@ Verdict Controller::create_namespace(QRX_U8 parent_plus_one, QRX_U8 owner, QRX_U
     const bool raid = adapter.raid();
     const QRX_U8 kind = raid ? kNsParentVd : kNsParentPd;
     const VirtualDisk* const vd = raid && parent_plus_one != 0 ? find_virtual_disk(parent_plus_one - 1U) : nullptr;
-    const Drive* const drive = !raid && parent_plus_one != 0 ? find_drive(parent_plus_one - 1U) : nullptr;
+    const Drive* const drive = !raid && parent_plus_one != 0 ? reachable_drive(parent_plus_one - 1U) : nullptr;
     if (vd == nullptr && drive == nullptr) {
         return raid ? Verdict::kInvalidVd : Verdict::kInvalidPd;
     }
@@ -171,7 +171,7 @@ Verdict Controller::import_table(QRX_U32 pd, QRX_U16 table)
     if (adapter.raid() || (adapter.features & kFeatureImport) == 0) {
         return Verdict::kNotSupported;
     }
-    Drive* const drive = drive_of(pd);
+    Drive* const drive = reachable_drive(pd);
     if (drive == nullptr) {
         return Verdict::kInvalidPd;
     }

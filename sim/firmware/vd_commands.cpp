@@ -49,7 +49,7 @@ bool share_out(std::vector<QRX_U64>& sizes, QRX_U64 sectors)
 
 Verdict Controller::check_free(QRX_U32 pd) const
 {
-    const Drive* const drive = find_drive(pd);
+    const Drive* const drive = reachable_drive(pd);
     if (drive == nullptr) {
         return Verdict::kInvalidPd;
     }

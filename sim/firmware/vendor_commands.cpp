@@ -49,6 +49,8 @@ Completion Controller::vendor_admin(const nvme_admin_cmd& command, std::span<QRX
     switch (command.opcode) {
     case kVendorRead:
         return vendor_read(command, data);
+    case kVendorWrite:
+        return vendor_write(command, data);
     case kTunnelFromDrive:
     case kTunnelToDrive:
         return tunnel(command, data);
@@ -66,7 +68,7 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
     const auto argument = static_cast<QRX_U16>(command.cdw12 >> 16);
     switch (static_cast<QRX_U16>(command.cdw12)) {
     case vendor::kReadAdapterInfo:
-        return reply_with(data, adapter.record(address));
+        return reply_with(data, adapter_record());
     case vendor::kReadAdapterConfig:
         return adapter.raid() ? reply_with(data, config.record()) : reply(data, Verdict::kNotSupported);
     case vendor::kSetTime:
@@ -93,10 +95,22 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return read_sharing(argument, data);
     case vendor::kReadNsHealth:
         return read_namespace_health(argument, data);
+    case vendor::kGetInverse:
+        return get_inverse(data);
     default: {
         const std::optional<Verdict> verdict = carry_out(command);
         return verdict ? complete(*verdict) : complete(status::kInvalidField);
     }
+    }
+}
+
+Completion Controller::vendor_write(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
+{
+    switch (static_cast<QRX_U16>(command.cdw12)) {
+    case vendor::kWriteSpi:
+        return write_spi(command, data);
+    default:
+        return complete(status::kInvalidField);
     }
 }
 
@@ -112,6 +126,26 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
         return write_register(command);
     case vendor::kActivateFirmware:
         return check_raw_image(command);
+    case vendor::kLedOfEndPoint:
+        return set_led(kPcieEndPoint, command.cdw14);
+    case vendor::kSwitchFlashTool:
+        return switch_feature(&HbaSettings::flash_tools, "the manufacturing flash tool", command.cdw14);
+    case vendor::kSwitchSriov:
+        return switch_feature(&HbaSettings::sriov, "SR-IOV", command.cdw14);
+    case vendor::kSwitchProtection:
+        return switch_feature(&HbaSettings::protection, "the protection of its SPI flash", command.cdw14);
+    case vendor::kSwitchVpdTarget:
+        return set_vpd_target(command.cdw14);
+    case vendor::kSetGpio:
+        return set_gpio(command);
+    case vendor::kTestI2c:
+        return test_i2c(static_cast<QRX_U8>(argument));
+    case vendor::kSetInverse:
+        return set_inverse(static_cast<QRX_U8>(argument));
+    case vendor::kLedOfRootComplex:
+        return set_led(kPcieRootComplex, command.cdw14);
+    case vendor::kResetBackEnd:
+        return reset_back_end_device(command.cdw14);
     case vendor::kSetDebugLevel:
         return set_debug_level(argument);
     case vendor::kImportNsTable:
@@ -144,7 +178,7 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
 
 Completion Controller::read_pd(QRX_U32 id, std::span<QRX_U8> data) const
 {
-    const Drive* const drive = find_drive(id);
+    const Drive* const drive = reachable_drive(id);
     return drive != nullptr ? reply_with(data, pd_record(*drive)) : reply(data, Verdict::kInvalidPd);
 }
 

@@ -7,6 +7,7 @@
 
 #include "sim/firmware/factory.h"
 #include "sim/firmware/raid_rules.h"
+#include "sim/launcher/show_board.h"
 
 namespace qrx::sim {
 namespace {
@@ -25,7 +26,7 @@ constexpr auto kRows = std::to_array<Row>({
     {"reset", "", ControlArgument::none},
     {"firmware", "", ControlArgument::none},
     {"events", "", ControlArgument::none},
-    {"show", "", ControlArgument::none},
+    {"show", "[pins|features]", ControlArgument::optional_text},
     {"save", "<file>", ControlArgument::file_to_write},
     {"mount-table", "<file>", ControlArgument::file_to_read},
     {"help", "", ControlArgument::none},
@@ -92,7 +93,7 @@ std::string members_text(const VirtualDisk& vd)
     return text;
 }
 
-std::string show(const Controller& controller)
+std::string show_storage(const Controller& controller)
 {
     std::string text = "controller " + std::to_string(controller.number) + ": " +
                        (controller.adapter.raid() ? "RAID" : "JBOF") + ", up " + time_text(controller.clock.uptime) +
@@ -118,6 +119,20 @@ std::string show(const Controller& controller)
         }
     }
     return text;
+}
+
+Result<std::string> show(const Controller& controller, const std::string& what)
+{
+    if (what.empty()) {
+        return show_storage(controller);
+    }
+    if (what == "pins") {
+        return show_pins(controller);
+    }
+    if (what == "features") {
+        return show_features(controller);
+    }
+    return Failure{"show: '" + what + "' is none of pins, features"};
 }
 
 std::string show_slots(const std::string& name, const NvmeFunction& function)
@@ -254,7 +269,7 @@ Result<std::string> carry_out(Machine& machine, const ControlRequest& request)
         return Failure{controller.error()};
     }
     if (request.command == "show") {
-        return show(**controller);
+        return show(**controller, request.argument);
     }
     if (request.command == "firmware") {
         return show_firmware(**controller);
@@ -284,6 +299,8 @@ another terminal give the socket that the other qrx_sim was started with, or the
   firmware                what the firmware slots of controller and drives hold
   events                  what has happened, with the time since power-on
   show                    drives, virtual disks and namespaces, a line each
+  show pins               power and PERST# lines of the drives, and LEDs
+  show features           switched features, the place of the VPD, the SPI flash
   save <file>             write the machine's state to a file
   mount-table <file>      give the machine another mount table
   help                    show this page
