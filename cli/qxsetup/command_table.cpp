@@ -12,12 +12,21 @@
 #include "cli/Functions/passthru/passthru.h"
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
+#include "cli/Functions/simple/simple_gpio.h"
 #include "cli/Functions/simple/simple_hotkey.h"
+#include "cli/Functions/simple/simple_i2c.h"
 #include "cli/Functions/simple/simple_import.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Functions/simple/simple_inverse.h"
+#include "cli/Functions/simple/simple_led.h"
 #include "cli/Functions/simple/simple_ns.h"
+#include "cli/Functions/simple/simple_register.h"
+#include "cli/Functions/simple/simple_reset.h"
+#include "cli/Functions/simple/simple_switch.h"
 #include "cli/Functions/simple/simple_vd.h"
+#include "cli/Functions/simple/simple_vpd.h"
 #include "cli/Functions/smart/smart.h"
+#include "cli/Functions/spi/spi.h"
 #include "cli/Functions/standard/identify.h"
 
 namespace {
@@ -47,13 +56,24 @@ Command_Info generalCmdTableV1[] = {
     row("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
     row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
     row("passthru", doPassthru, passthru_help, ":Passthrough NVMe admin command to backend device"),
+    row("spi", doSPI, spi_help, ":Read and write SPI data. Maximal size of SPI data is 4096 bytes."),
     row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
+    row("reset", doSReset, simple_reset_help, simple_reset_short_help),
+    row("led", doSLed, simple_led_help, ":For control LED of device"),
+    row("vpd", doSVPD, simple_vpd_help, ":For switch VPD access target"),
+    row("gpio", doSGPIO, simple_gpio_help, ":For GPIO setting in HBA info (Only for GPIO 4 to 7)"),
     row("ns", doSNS, simple_ns_help, ":For namespace management"),
     row("identify", doIdentify, identify_help, ":Get controller identify info."),
+    row("inverse", doInverse, simple_inverse_help, ":For GPIO 8,9,10 and 11 inverse control."),
 };
 
 Command_Info hiddenCmdTableV1[] = {
     row("--debug", doDebug, debug_help, debug_sh),
+    row("reg", doSReg, simple_reg_help, ":For read and write PCIe register. Maximal size of data is 4 bytes."),
+    row("qxf", doSQXF, simple_qxf_help, ":For control manufacture flash tool"),
+    row("protect", doSProtect, simple_protect_help, ":For control protection area"),
+    row("i2c", doSi2c, simple_i2c_help, ":For test i2c device"),
+    row("sriov", doSSRIOV, simple_sriov_help, ":For control SRIOV feature"),
     row("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
 };
 // clang-format on

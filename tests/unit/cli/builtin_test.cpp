@@ -43,9 +43,26 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "get                :For getting configuration information of NVMe Controller.\n"
                           "set                :For setting configuration parameters of NVMe Controller.\n"
                           "passthru           :Passthrough NVMe admin command to backend device\n"
+                          "spi                :Read and write SPI data. Maximal size of SPI data is 4096 bytes.\n"
                           "vd                 :For VD create and delete\n"
+                          "reset              :For reset back-end device\n"
+                          "[Notice]\n"
+                          "  <Default GPIO setting>\n"
+                          "    Set power: \n"
+                          "        Power pin id 0 means control GPIO4\n"
+                          "        Power pin id 1 means control GPIO5\n"
+                          "    Set perstn\n"
+                          "        PD id 0 means control GPIO8\n"
+                          "        PD id 1 means control GPIO10\n"
+                          "        PD id 2 means control GPIO9\n"
+                          "        PD id 3 means control GPIO11\n"
+                          "\n"
+                          "led                :For control LED of device\n"
+                          "vpd                :For switch VPD access target\n"
+                          "gpio               :For GPIO setting in HBA info (Only for GPIO 4 to 7)\n"
                           "ns                 :For namespace management\n"
-                          "identify           :Get controller identify info.\n" +
+                          "identify           :Get controller identify info.\n"
+                          "inverse            :For GPIO 8,9,10 and 11 inverse control.\n" +
                           expected::kHelpFoot + "\n";
 
 TEST(HelpTexts, AreExact)

@@ -163,10 +163,13 @@ TEST(CommandTables, HoldTheseRows)
         }
         return names;
     };
-    EXPECT_EQ(namesOf(generalCmdTableV1, generalCmdTableV1Size()),
-              (std::vector<std::string>{"?", "help", "adapter", "version", "smart", "flash", "info", "import", "init",
-                                        "mp", "rebuild", "debuglv", "get", "set", "passthru", "vd", "ns", "identify"}));
-    EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()), (std::vector<std::string>{"--debug", "hotkey"}));
+    EXPECT_EQ(
+        namesOf(generalCmdTableV1, generalCmdTableV1Size()),
+        (std::vector<std::string>{"?",    "help",  "adapter", "version", "smart", "flash", "info",     "import",
+                                  "init", "mp",    "rebuild", "debuglv", "get",   "set",   "passthru", "spi",
+                                  "vd",   "reset", "led",     "vpd",     "gpio",  "ns",    "identify", "inverse"}));
+    EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()),
+              (std::vector<std::string>{"--debug", "reg", "qxf", "protect", "i2c", "sriov", "hotkey"}));
 }
 
 TEST(CommandTables, DispatchThroughTheRealTables)
