@@ -2,6 +2,7 @@
 #include <editline/readline.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <thread>
@@ -23,6 +24,8 @@ int main(int argc, char** argv)
     // Standard output, standard error and the file of -output may be one and the same place: lines come out in the
     // order in which they are printed.
     (void)std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    // A file that may not grow any more is an error of the write, not the end of the process.
+    (void)std::signal(SIGXFSZ, SIG_IGN);
     try {
         return qrx::run(argc, argv, {QRX_Init, QRX_Final, readline, add_history, pauseShortly});
     } catch (const std::exception& error) {
