@@ -11,6 +11,7 @@
 #include "sim/firmware/event_list.h"
 #include "sim/firmware/hba_settings.h"
 #include "sim/firmware/nvme_function.h"
+#include "sim/firmware/oem_store.h"
 #include "sim/firmware/pair_mailbox.h"
 #include "sim/firmware/result.h"
 #include "sim/firmware/virtual_disk.h"
@@ -43,6 +44,7 @@ public:
     Adapter adapter;
     AdapterConfig config;
     HbaSettings settings;
+    OemStore oem;                            // goes before what the fields of the function and the adapter say
     std::vector<Drive> drives;               // in order of id
     std::vector<VirtualDisk> virtual_disks;  // in order of id
     PairMailbox mailbox;
@@ -62,7 +64,13 @@ public:
     // Pulls it, if it is there, and plugs in a fresh one of the same kind with the same id.
     std::optional<Failure> replace_drive(QRX_U32 id);
 
+    // Makes the OEM store hold what the controller left its factory with, or spoils it as OemStore::spoil does.
+    std::optional<Failure> set_oem_data(std::string_view what);
+
+    [[nodiscard]] Identity identity() const override;
+
     // The records that the firmware reports.
+    [[nodiscard]] NVME_Adapter_Info adapter_record() const;
     [[nodiscard]] NVME_PD_Info pd_record(const Drive& drive) const;
     [[nodiscard]] NVME_VD_Info vd_record(const VirtualDisk& vd) const;
     [[nodiscard]] NVME_NS_Info ns_record(const Namespace& ns) const;
@@ -90,6 +98,8 @@ private:
     void forget_contents(Drive& drive);
     // Takes over a raw image that a host has sent, before its commit.
     Verdict check_raw_image(const nvme_admin_cmd& command);
+    // The vendor commands of opcode 0xC7.
+    Completion vendor_write(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     Completion read_namespace_health(QRX_U16 nsid, std::span<QRX_U8> data) const;
 
     // The vendor commands of opcode 0xE2.

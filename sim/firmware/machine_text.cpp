@@ -81,6 +81,9 @@ constexpr auto kSkuWords = std::to_array<JsonWord>({{0, "V"}, {1, "D"}, {2, "B"}
 constexpr auto kPortWords = std::to_array<JsonWord>({{kPcieEndPoint, "end-point"}, {kPcieRootComplex, "root-complex"}});
 constexpr auto kSpeedWords = std::to_array<JsonWord>({{1, "2.5Gb/s"}, {2, "5Gb/s"}, {3, "8Gb/s"}});
 constexpr auto kRateWords = std::to_array<JsonWord>({{0, "high"}, {2, "medium"}, {32, "low"}});
+constexpr auto kDamageWords = std::to_array<JsonWord>({{HbaSettings::kIntact, "intact"},
+                                                       {HbaSettings::kBadSignature, "bad-signature"},
+                                                       {HbaSettings::kBadChecksum, "bad-checksum"}});
 constexpr auto kNeedWords = std::to_array<JsonWord>({{FirmwareSlots::kNothing, "nothing"},
                                                      {FirmwareSlots::kControllerReset, "controller-reset"},
                                                      {FirmwareSlots::kSubsystemReset, "subsystem-reset"},
@@ -192,6 +195,7 @@ void describe(Io& io, HbaSettings& settings)
     io.number("gpio_values", settings.gpio_values, 0, kAny32);
     io.flag("gpio_from_settings", settings.gpio_from_settings);
     io.number("gpio_inverse", settings.gpio_inverse, 0, kAny8);
+    io.code("damage", settings.damage, kDamageWords);
 }
 
 template <class Io>
@@ -685,6 +689,10 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
     io.object("config", [&](auto& inner) { describe(inner, controller.config); });
     io.object("settings", [&](auto& inner) { describe(inner, controller.settings); });
     controller.subsystem_vendor_id = controller.adapter.subsystem_vendor_id;
+    if (Io::kReads && !io.has("oem_data")) {
+        (void)controller.set_oem_data("factory");
+    }
+    io.bytes("oem_data", controller.oem.bytes, OemStore::kSize);
     io.list("drives", controller.drives, kMaxPdId + 1,
             [&](auto& inner, Drive& drive) { describe(inner, drive, controller); });
     io.list("virtual_disks", controller.virtual_disks, kMaxVdId + 1,

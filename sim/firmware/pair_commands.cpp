@@ -88,7 +88,7 @@ Verdict Controller::answer_pair(std::span<QRX_U8> payload)
     }
     switch (code) {
     case kAdapterInfo:
-        put(payload, 0, adapter.record(address));
+        put(payload, 0, adapter_record());
         return Verdict::kGood;
     case kPdInfo:
         return pair_list<sizeof(NVME_PD_Info)>(payload, kIds, Verdict::kInvalidPd,

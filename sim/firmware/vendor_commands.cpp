@@ -49,6 +49,8 @@ Completion Controller::vendor_admin(const nvme_admin_cmd& command, std::span<QRX
     switch (command.opcode) {
     case kVendorRead:
         return vendor_read(command, data);
+    case kVendorWrite:
+        return vendor_write(command, data);
     case kTunnelFromDrive:
     case kTunnelToDrive:
         return tunnel(command, data);
@@ -66,7 +68,7 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
     const auto argument = static_cast<QRX_U16>(command.cdw12 >> 16);
     switch (static_cast<QRX_U16>(command.cdw12)) {
     case vendor::kReadAdapterInfo:
-        return reply_with(data, adapter.record(address));
+        return reply_with(data, adapter_record());
     case vendor::kReadAdapterConfig:
         return adapter.raid() ? reply_with(data, config.record()) : reply(data, Verdict::kNotSupported);
     case vendor::kSetTime:
@@ -77,6 +79,9 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         put(page, 0, hba_info());  // this one comes without an envelope
         return complete(status::kSuccess);
     }
+    case vendor::kReadOemData:
+        oem.read(data);  // nor has this one
+        return complete(status::kSuccess);
     case vendor::kReadPdInfo:
         return read_pd(command.cdw14, data);
     case vendor::kReadVdInfo:
@@ -96,6 +101,20 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return verdict ? complete(*verdict) : complete(status::kInvalidField);
     }
     }
+}
+
+Completion Controller::vendor_write(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
+{
+    const QRX_U64 length = (QRX_U64{command.cdw10} + 1) * sizeof(QRX_U32);
+    if (static_cast<QRX_U16>(command.cdw12) != vendor::kWriteOemData || length != data.size() ||
+        data.size() != OemStore::kSize) {
+        return complete(status::kInvalidField);
+    }
+    const Verdict verdict = oem.write(data);
+    if (verdict == Verdict::kGood) {
+        tell(Event::kAdapter, 0, "has new OEM data");
+    }
+    return complete(verdict);
 }
 
 std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
