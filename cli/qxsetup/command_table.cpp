@@ -12,10 +12,12 @@
 #include "cli/Functions/passthru/passthru.h"
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
+#include "cli/Functions/simple/simple_dumphba.h"
 #include "cli/Functions/simple/simple_hotkey.h"
 #include "cli/Functions/simple/simple_import.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Functions/simple/simple_ns.h"
+#include "cli/Functions/simple/simple_oemdata.h"
 #include "cli/Functions/simple/simple_vd.h"
 #include "cli/Functions/smart/smart.h"
 #include "cli/Functions/standard/identify.h"
@@ -46,8 +48,10 @@ Command_Info generalCmdTableV1[] = {
     row("debuglv", doSDEBUGLV, simple_debuglv_help, ":For switch debug level target"),
     row("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
     row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
+    row("oemdata", doSOEMdata, simple_oemdata_help, ":For write OEM data."),
     row("passthru", doPassthru, passthru_help, ":Passthrough NVMe admin command to backend device"),
     row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
+    row("dumphba", doSDUMPHBA, simple_dumphba_help, ":For dump hba info data structure"),
     row("ns", doSNS, simple_ns_help, ":For namespace management"),
     row("identify", doIdentify, identify_help, ":Get controller identify info."),
 };
@@ -55,6 +59,7 @@ Command_Info generalCmdTableV1[] = {
 Command_Info hiddenCmdTableV1[] = {
     row("--debug", doDebug, debug_help, debug_sh),
     row("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
+    row("getoemdata", doSGetOEMdata, simple_getoemdata_help, ":For read OEM data."),
 };
 // clang-format on
 

@@ -42,8 +42,10 @@ const std::string kList = std::string(expected::kHelpHead) +
                           "debuglv            :For switch debug level target\n"
                           "get                :For getting configuration information of NVMe Controller.\n"
                           "set                :For setting configuration parameters of NVMe Controller.\n"
+                          "oemdata            :For write OEM data.\n"
                           "passthru           :Passthrough NVMe admin command to backend device\n"
                           "vd                 :For VD create and delete\n"
+                          "dumphba            :For dump hba info data structure\n"
                           "ns                 :For namespace management\n"
                           "identify           :Get controller identify info.\n" +
                           expected::kHelpFoot + "\n";

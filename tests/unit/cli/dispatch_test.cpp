@@ -164,9 +164,11 @@ TEST(CommandTables, HoldTheseRows)
         return names;
     };
     EXPECT_EQ(namesOf(generalCmdTableV1, generalCmdTableV1Size()),
-              (std::vector<std::string>{"?", "help", "adapter", "version", "smart", "flash", "info", "import", "init",
-                                        "mp", "rebuild", "debuglv", "get", "set", "passthru", "vd", "ns", "identify"}));
-    EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()), (std::vector<std::string>{"--debug", "hotkey"}));
+              (std::vector<std::string>{"?",       "help",     "adapter", "version", "smart",   "flash",   "info",
+                                        "import",  "init",     "mp",      "rebuild", "debuglv", "get",     "set",
+                                        "oemdata", "passthru", "vd",      "dumphba", "ns",      "identify"}));
+    EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()),
+              (std::vector<std::string>{"--debug", "hotkey", "getoemdata"}));
 }
 
 TEST(CommandTables, DispatchThroughTheRealTables)
