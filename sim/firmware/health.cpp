@@ -52,6 +52,10 @@ _qrx_smart_log Health::log(QRX_U64 errors) const
     log.warning_temp_time = warning_minutes;
     log.critical_comp_time = critical_minutes;
     log.temp_sensor[0] = temperature;
+    log.tmt1tc = throttle1_count;
+    log.tmt2tc = throttle2_count;
+    log.ttftmt1 = throttle1_seconds;
+    log.ttftmt2 = throttle2_seconds;
     return log;
 }
 

@@ -23,6 +23,11 @@ struct Health {
     QRX_U64 media_errors = 0;
     QRX_U32 warning_minutes = 0;
     QRX_U32 critical_minutes = 0;
+    // Of the two temperatures at which a device slows itself down to cool: how often, and how long.
+    QRX_U32 throttle1_count = 0;
+    QRX_U32 throttle2_count = 0;
+    QRX_U32 throttle1_seconds = 0;
+    QRX_U32 throttle2_seconds = 0;
 
     friend bool operator==(const Health&, const Health&) = default;
 

@@ -2,6 +2,8 @@
 //
 // Background activities take a hundred hours and stand half a percent beyond a figure, so that what little time goes
 // by while one looks at a scenario does not change what it shows.
+//
+// Where none is written, the mount table has the system on a disk that is no NVMe device.
 #include <algorithm>
 #include <array>
 
@@ -12,11 +14,6 @@ namespace qrx::sim {
 namespace {
 
 constexpr std::string_view kRaid = R"json({
-  "mount_table": [
-    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
-    "/dev/sda2 / ext4 rw,relatime 0 0",
-    "/dev/sda1 /boot vfat rw,relatime 0 0"
-  ],
   "controllers": [
     {
       "number": 0,
@@ -32,11 +29,6 @@ constexpr std::string_view kRaid = R"json({
 )json";
 
 constexpr std::string_view kJbof = R"json({
-  "mount_table": [
-    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
-    "/dev/sda2 / ext4 rw,relatime 0 0",
-    "/dev/sda1 /boot vfat rw,relatime 0 0"
-  ],
   "controllers": [
     {
       "number": 0,
@@ -82,11 +74,6 @@ constexpr std::string_view kPair = R"json({
 )json";
 
 constexpr std::string_view kDegraded = R"json({
-  "mount_table": [
-    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
-    "/dev/sda2 / ext4 rw,relatime 0 0",
-    "/dev/sda1 /boot vfat rw,relatime 0 0"
-  ],
   "controllers": [
     {
       "number": 0,
@@ -111,11 +98,6 @@ constexpr std::string_view kDegraded = R"json({
 )json";
 
 constexpr std::string_view kEmpty = R"json({
-  "mount_table": [
-    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
-    "/dev/sda2 / ext4 rw,relatime 0 0",
-    "/dev/sda1 /boot vfat rw,relatime 0 0"
-  ],
   "controllers": [{"number": 0, "adapter": {"sku": "A"}}]
 }
 )json";
@@ -139,11 +121,6 @@ constexpr std::string_view kForeign = R"json({
 )json";
 
 constexpr std::string_view kSriov = R"json({
-  "mount_table": [
-    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
-    "/dev/sda2 / ext4 rw,relatime 0 0",
-    "/dev/sda1 /boot vfat rw,relatime 0 0"
-  ],
   "controllers": [
     {
       "number": 0,
@@ -158,21 +135,11 @@ constexpr std::string_view kSriov = R"json({
 )json";
 
 constexpr std::string_view kNone = R"json({
-  "mount_table": [
-    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
-    "/dev/sda2 / ext4 rw,relatime 0 0",
-    "/dev/sda1 /boot vfat rw,relatime 0 0"
-  ],
   "controllers": []
 }
 )json";
 
 constexpr std::string_view kGallery = R"json({
-  "mount_table": [
-    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
-    "/dev/sda2 / ext4 rw,relatime 0 0",
-    "/dev/sda1 /boot vfat rw,relatime 0 0"
-  ],
   "controllers": [
     {
       "number": 0,
@@ -303,11 +270,6 @@ constexpr std::string_view kGallery = R"json({
 )json";
 
 constexpr std::string_view kLab = R"json({
-  "mount_table": [
-    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
-    "/dev/sda2 / ext4 rw,relatime 0 0",
-    "/dev/sda1 /boot vfat rw,relatime 0 0"
-  ],
   "controllers": [
     {
       "number": 0,
@@ -328,11 +290,6 @@ constexpr std::string_view kLab = R"json({
 )json";
 
 constexpr std::string_view kImportable = R"json({
-  "mount_table": [
-    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
-    "/dev/sda2 / ext4 rw,relatime 0 0",
-    "/dev/sda1 /boot vfat rw,relatime 0 0"
-  ],
   "controllers": [
     {
       "number": 0,

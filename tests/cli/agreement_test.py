@@ -17,21 +17,63 @@ HAVE_NVME = shutil.which("nvme", path=ENVIRONMENT["PATH"]) is not None
 TIMEOUT = 60
 KELVIN = 273
 
-# A controller of which no two fields are equal, as far as they can be told apart.
+HEALTH = {"critical_warning": 0x15, "temperature": 322, "spare": 23, "spare_threshold": 24, "used": 25,
+          "sectors_read": 26001, "sectors_written": 27002000, "host_reads": 28, "host_writes": 29,
+          "busy_minutes": 30, "power_cycles": 31, "power_on_ms": 32 * 3600000, "unsafe_shutdowns": 33,
+          "media_errors": 34, "warning_minutes": 35, "critical_minutes": 36, "throttle1_count": 37,
+          "throttle2_count": 38, "throttle1_seconds": 39, "throttle2_seconds": 40}
+
+# A controller of which no two fields are equal, as far as they can be told apart. A drive has the health of the
+# controller, since the tool shows the whole log for drives alone, and nvme-cli knows the controller alone.
 MACHINE = {
     "controllers": [{
         "model": "MODEL OF CONTROLLER", "serial": "SERIAL-17", "subnqn": "nqn.2026-01.test:agreement",
         "adapter": {"subsystem_vendor_id": 0x1234, "max_ns": 21},
         "slots": {"count": 5, "first_read_only": True, "active": 2, "slot1": "FIRST", "slot2": "REV.0002"},
-        "health": {"critical_warning": 0x15, "temperature": 322, "spare": 23, "spare_threshold": 24, "used": 25,
-                   "sectors_read": 26001, "sectors_written": 27002000, "host_reads": 28, "host_writes": 29,
-                   "busy_minutes": 30, "power_cycles": 31, "power_on_ms": 32 * 3600000, "unsafe_shutdowns": 33,
-                   "media_errors": 34, "warning_minutes": 35, "critical_minutes": 36},
-        "drives": [{"id": 0}, {"id": 1, "sectors": 976773168}, {"id": 2}],
+        "health": HEALTH, "errors": {"count": 41},
+        "drives": [{"id": 0}, {"id": 1, "sectors": 976773168, "health": HEALTH, "errors": {"count": 41}}, {"id": 2}],
         "virtual_disks": [{"id": 0, "raid_mode": "raid1", "members": [0, 1]}],
         "namespaces": [{"nsid": 3, "parent_id": 0, "shared": True}],
     }]
 }
+
+# The lines of `smart` behind the first five, and what nvme-cli calls them.
+COUNTERS = {
+    "Host Read Commands": "host_read_commands",
+    "Host Write Commands": "host_write_commands",
+    "Controller Busy Time": "controller_busy_time",
+    "Power Cycles": "power_cycles",
+    "Power On Hours": "power_on_hours",
+    "Unsafe Shutdowns": "unsafe_shutdowns",
+    "Media and Data Integrity Errors": "media_errors",
+    "Num Err Log Entries": "num_err_log_entries",
+    "Warning Composite Temperature Time": "warning_temp_time",
+    "Critical Composite Temperature Time": "critical_comp_time",
+    "Thermal Management Temperature 1 Transition Count": "thm_temp1_trans_count",
+    "Thermal Management Temperature 2 Transition Count": "thm_temp2_trans_count",
+    "Total Time For Thermal Management Temperature 1": "thm_temp1_total_time",
+    "Total Time For Thermal Management Temperature 2": "thm_temp2_total_time",
+}
+
+
+def of_log(read):
+    """The first lines of `smart`, of what nvme-cli has read."""
+    return {
+        "Critical Warning": f"0x{read['critical_warning']:02x}",
+        "Composite Temperature": f"{read['temperature'] - KELVIN} Celsius",
+        "Available Spare": f"{read['avail_spare']}%",
+        "Available Spare Threshold": f"{read['spare_thresh']}%",
+        "Percentage Used": f"{read['percent_used']}%",
+    }
+
+
+def lines_of_log(read):
+    """All lines of `smart`."""
+    lines = of_log(read) | {label: str(read[key]) for label, key in COUNTERS.items()}
+    for label, key in (("Data Units Read", "data_units_read"), ("Data Units Written", "data_units_written")):
+        units = int(read[key])
+        lines[label] = f"{units} ({units * 512 / 1000 / 1000:.0f} GB)"
+    return lines
 
 
 @unittest.skipUnless(HAVE_NVME, "nvme-cli is not installed")
@@ -125,34 +167,41 @@ class Agreement(unittest.TestCase):
         expected |= {label: hex(read["lbafs"][0][label.lower()]) for label in ("MS", "DS", "RP")}
         self.assertEqual(told, expected)
 
+    def told_of_health(self, *words):
+        told = self.told("smart", *words)
+        self.assertTrue(told.pop("Notice"))
+        self.assertEqual(told.pop("NVME SMART Information"), "")
+        return told
+
     def test_health(self):
-        told = self.told("smart", "-o", "hba")
-        read = self.read("smart-log", "/dev/nvme0")
-        expected = {
-            "Critical Warning": f"0x{read['critical_warning']:02x}",
-            "Composite Temperature": f"{read['temperature'] - KELVIN} Celsius",
-            "Available Spare": f"{read['avail_spare']}%",
-            "Available Spare Threshold": f"{read['spare_thresh']}%",
-            "Percentage Used": f"{read['percent_used']}%",
-        }
-        self.assertEqual({label: value for label, value in told.items() if label in expected}, expected)
+        told = self.told_of_health("-o", "hba")
+        self.assertEqual(told, of_log(self.read("smart-log", "/dev/nvme0")))
         self.assertEqual(told["Composite Temperature"], "49 Celsius")
 
-    def test_all_counters_of_the_health_log(self):
-        """The tool shows them for a drive; nvme-cli reads the same drive's log through the tunnel."""
-        told = self.told("smart", "-i", "1")
-        dump = self.on_machine("nvme", "admin-passthru", "/dev/nvme0", "-o", "0xc2", "-n", "1", "--cdw10=0x7f0002",
+    def test_every_line_of_the_health_log(self):
+        told = self.told_of_health("-i", "1")
+        self.assertEqual(told, lines_of_log(self.read("smart-log", "/dev/nvme0")))
+        values = [int(value.split(" ")[0].rstrip("%"), 0) for value in told.values()]
+        self.assertEqual(len(set(values)), 21, "two lines have one value, so that they may be mixed up")
+
+    def test_the_health_log_of_a_drive(self):
+        """Its bytes, as nvme-cli has them through the tunnel."""
+        told = self.told_of_health("-i", "0")
+        dump = self.on_machine("nvme", "admin-passthru", "/dev/nvme0", "-o", "0xc2", "-n", "0", "--cdw10=0x7f0002",
                                "--cdw14=2", "--cdw15=0xffffffff", "-l", "512", "-r")
         log = bytes.fromhex("".join(re.findall(r"^[0-9a-f]{4}: ((?:[0-9a-f]{2} ){16})", dump, re.MULTILINE)))
         self.assertEqual(len(log), 512)
-        at = {"Host Read Commands": 64, "Host Write Commands": 80, "Controller Busy Time": 96, "Power Cycles": 112,
-              "Power On Hours": 128, "Unsafe Shutdowns": 144, "Media and Data Integrity Errors": 160,
-              "Num Err Log Entries": 176}
-        for label, offset in at.items():
-            self.assertEqual(told[label], str(int.from_bytes(log[offset:offset + 16], "little")), label)
-        units = int.from_bytes(log[32:48], "little")
-        self.assertTrue(told["Data Units Read"].startswith(f"{units} ("), told["Data Units Read"])
-        self.assertGreater(units, 0)
+        at = {"data_units_read": 32, "data_units_written": 48, "host_read_commands": 64, "host_write_commands": 80,
+              "controller_busy_time": 96, "power_cycles": 112, "power_on_hours": 128, "unsafe_shutdowns": 144,
+              "media_errors": 160, "num_err_log_entries": 176}
+        read = {key: int.from_bytes(log[offset:offset + 16], "little") for key, offset in at.items()}
+        at = {"warning_temp_time": 192, "critical_comp_time": 196, "thm_temp1_trans_count": 216,
+              "thm_temp2_trans_count": 220, "thm_temp1_total_time": 224, "thm_temp2_total_time": 228}
+        read |= {key: int.from_bytes(log[offset:offset + 4], "little") for key, offset in at.items()}
+        read |= {"critical_warning": log[0], "temperature": log[1] | log[2] << 8, "avail_spare": log[3],
+                 "spare_thresh": log[4], "percent_used": log[5]}
+        self.assertEqual(told, lines_of_log(read))
+        self.assertGreater(read["data_units_read"], 0)
 
 
 if __name__ == "__main__":

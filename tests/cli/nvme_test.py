@@ -91,6 +91,15 @@ class Nvme(unittest.TestCase):
         self.good(*words, "--cdw11=2048")
         self.good("nvme", "fw-commit", "/dev/nvme0", "-s", "2", "-a", "0")
 
+    def test_image_with_a_gap_is_refused(self):
+        self.image("new.bin", "--revision", "2.5.0.1100", "--size", "4096")
+        words = ["nvme", "admin-passthru", "/dev/nvme0", "-o", "0x11", "--cdw10=1023", "-l", "4096", "-w", "-i", "new.bin"]
+        self.good(*words)
+        self.good(*words, "--cdw11=2048")
+        before = self.slots()
+        self.refused("0x107", "nvme", "fw-commit", "/dev/nvme0", "-s", "2", "-a", "1")
+        self.assertEqual(self.slots(), before)
+
     def test_format_is_not_offered_by_the_controller(self):
         self.assertEqual(json.loads(self.good("nvme", "id-ctrl", "/dev/nvme0", "-o", "json"))["oacs"] & 2, 0)
         self.refused("0x1", "nvme", "admin-passthru", "/dev/nvme0", "-o", "0x80", "-n", "1")

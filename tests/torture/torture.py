@@ -3,10 +3,13 @@
     /usr/bin/python3 torture.py --bin build/release/bin device "info -o hba"     the n-th device command fails
     /usr/bin/python3 torture.py --bin build/release/bin memory "info -o hba"     the n-th memory allocation fails
 
+Each run has a directory to itself, with a file `image` of --image bytes in it.
+
 Asked of each run: it ends by itself within the time limit, by no signal, and without a word from a sanitizer or from
 the C++ library's last resort. A run that does not is printed with the flags that repeat it alone.
 """
 import argparse
+import contextlib
 import os
 import pathlib
 import re
@@ -36,11 +39,11 @@ class Trouble(Exception):
     """A run that did not end as it must."""
 
 
-def run(command, environment):
+def run(command, environment, directory):
     """Runs qrx_sim's command line; raises Trouble unless it ends in an orderly way."""
     try:
-        done = subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, capture_output=True, timeout=SECONDS,
-                              check=False)
+        done = subprocess.run(command, env=environment, cwd=directory, stdin=subprocess.DEVNULL, capture_output=True,
+                              timeout=SECONDS, check=False)
     except subprocess.TimeoutExpired as error:
         raise Trouble(f"did not end in {SECONDS} seconds") from error
     text = (done.stdout + done.stderr).decode(errors="replace")
@@ -51,22 +54,31 @@ def run(command, environment):
         raise Trouble(f"complained\n{text}")
 
 
-def device_run(bin_dir, scenario, command, kind, nth, environment):
+@contextlib.contextmanager
+def room(image):
+    """A directory for one run, with an image of so many bytes."""
+    with tempfile.TemporaryDirectory(prefix="torture-") as name:
+        directory = pathlib.Path(name)
+        (directory / "image").write_bytes(bytes(range(256)) * (image // 256) + bytes(image % 256))
+        yield directory
+
+
+def device_run(bin_dir, arguments, command, kind, nth, environment):
     """One run with the n-th device command failing. Returns whether it came to that."""
-    with tempfile.TemporaryDirectory(prefix="torture-") as directory:
-        trace = pathlib.Path(directory) / "trace.txt"
-        run([bin_dir / "qrx_sim", "--scenario", scenario, "--trace", trace, "--fault", f"nth={nth},{DEVICE_FAULTS[kind]}",
-             "--", "qrx_cli", *command], environment)
+    with room(arguments.image) as directory:
+        trace = directory / "trace.txt"
+        run([bin_dir / "qrx_sim", "--scenario", arguments.scenario, "--trace", trace, "--fault",
+             f"nth={nth},{DEVICE_FAULTS[kind]}", "--", "qrx_cli", *command], environment, directory)
         return len(trace.read_text().splitlines()) >= nth
 
 
-def memory_run(bin_dir, scenario, command, _, nth, environment):
+def memory_run(bin_dir, arguments, command, _, nth, environment):
     """One run with the n-th allocation failing. Returns whether it came to that."""
-    with tempfile.TemporaryDirectory(prefix="torture-") as directory:
-        seen = pathlib.Path(directory) / "seen"
+    with room(arguments.image) as directory:
+        seen = directory / "seen"
         preload = bin_dir / "libqrx_fail_alloc.so"
-        run([bin_dir / "qrx_sim", "--scenario", scenario, "--", "env", f"LD_PRELOAD={preload}", f"QRX_FAIL_ALLOC={nth}",
-             f"QRX_FAIL_ALLOC_SEEN={seen}", "qrx_cli", *command], environment)
+        run([bin_dir / "qrx_sim", "--scenario", arguments.scenario, "--", "env", f"LD_PRELOAD={preload}",
+             f"QRX_FAIL_ALLOC={nth}", f"QRX_FAIL_ALLOC_SEEN={seen}", "qrx_cli", *command], environment, directory)
         return seen.exists()
 
 
@@ -77,6 +89,7 @@ def main():
     parser = argparse.ArgumentParser(description="Runs a command with each thing failing in turn.")
     parser.add_argument("--bin", required=True, type=pathlib.Path, help="directory of qrx_cli and qrx_sim")
     parser.add_argument("--scenario", default="pair", help="the simulated machine (default: pair)")
+    parser.add_argument("--image", type=int, default=0, help="bytes of the file `image` (default: 0)")
     parser.add_argument("--only", help="this kind of failure alone")
     parser.add_argument("--nth", type=int, help="this one run alone")
     parser.add_argument("what", choices=KINDS)
@@ -91,14 +104,14 @@ def main():
         came = 0
         for nth in [arguments.nth] if arguments.nth else range(1, MOST_RUNS):
             try:
-                if not one_run(bin_dir, arguments.scenario, shlex.split(arguments.command), kind, nth, environment):
+                if not one_run(bin_dir, arguments, shlex.split(arguments.command), kind, nth, environment):
                     break
                 came += 1
             except Trouble as trouble:
                 failed = True
                 came += 1
-                print(f"--scenario {arguments.scenario} --only {kind} --nth {nth} {arguments.what} "
-                      f"{shlex.quote(arguments.command)}: {trouble}", flush=True)
+                print(f"--scenario {arguments.scenario} --image {arguments.image} --only {kind} --nth {nth} "
+                      f"{arguments.what} {shlex.quote(arguments.command)}: {trouble}", flush=True)
         print(f"{kind}: {came} runs that saw a failure")
         if came == 0:
             print(f"{kind}: nothing ever failed, so nothing was tried")

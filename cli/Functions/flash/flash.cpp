@@ -46,7 +46,7 @@ constexpr QRX_U8 kPlain = 0;
 constexpr QRX_U8 kRaw = 1;
 
 struct Wish {
-    std::array<char, 1024> filename{};
+    std::array<char, 1024> filename{};  // empty: no file was given
     std::int32_t ID = gCurrentAdapter;
     QRX_U8 fs = 1;
     QRX_U8 ca = 1;
@@ -164,7 +164,8 @@ bool isComplete(const qrx::OptionScan& scan, const Wish& wish, PCommand_Info row
             }
         }
     }
-    if (wish.ca != kCommitActivateAtReset && wish.ca != kCommitActivateNow && !scan.has('f')) {
+    // An empty name is none: a script whose variable is not set must not commit what a device got from somebody else.
+    if (wish.ca != kCommitActivateAtReset && wish.ca != kCommitActivateNow && wish.filename[0] == '\0') {
         optionRequired(row, 'f');
         complete = false;
     }

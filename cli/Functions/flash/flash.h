@@ -15,8 +15,9 @@ QRX_U32 updateAdapterFlash(QRX_U8 adapterID, char* filename, QRX_U8 fs, QRX_U8 c
 // 0 for a file that opens and is no longer than the controller takes, otherwise 1.
 QRX_U32 checkFileSize(QRX_U8 adapterID, const char* filename);
 
-// The update of a disk behind the controller. CDW10 is that of the commit. Returns 0, 1 for a file that is refused, the
-// bytes sent before a segment failed (that segment counted), or the status of the commit.
+// The update of a disk behind the controller; with an empty name, or an action that needs none, the commit alone. CDW10
+// is that of the commit. Returns 0, 1 for a file that is refused, the bytes sent when a segment failed (that segment
+// counted), or the status of the commit.
 QRX_U32 updateHdFlash(QRX_U8 adapterID, const char* filename, QRX_U32 pd_id, QRX_U32 CDW10, QRX_U8 ca);
 
 // Prints the firmware slots of the current controller (`type` 0) or of a disk behind it (1) on standard output.

@@ -35,12 +35,6 @@ void debug(const char* format, Values... values)
     }
 }
 
-// A command that the controller runs on the disk.
-qrx::AdminCommand toDisk(QRX_U32 pd_id, QRX_U32 opcode)
-{
-    return qrx::tunnelToDrive(pd_id, opcode);
-}
-
 void debugWords(const qrx::AdminCommand& command, std::initializer_list<unsigned> words)
 {
     for (const unsigned index : words) {
@@ -86,7 +80,8 @@ QRX_U32 download(QRX_U8 adapterID, const char* filename, QRX_U32 pd_id)
             print("failed to read file %s\n", filename);
             return 1;
         }
-        const auto command = toDisk(pd_id, kFirmwareDownload).word(10, data_len / 4 - 1).word(11, offset / 4);
+        const auto command =
+            qrx::tunnelToDrive(pd_id, kFirmwareDownload).word(10, data_len / 4 - 1).word(11, offset / 4);
         debugWords(command, {10, 11, 14});
         status = command.transmit(std::span(buffer).first(data_len), adapterID);
         offset += data_len;
@@ -104,7 +99,7 @@ QRX_U32 download(QRX_U8 adapterID, const char* filename, QRX_U32 pd_id)
 QRX_U32 commit(QRX_U8 adapterID, QRX_U32 pd_id, QRX_U32 CDW10, QRX_U8 ca)
 {
     const int shown = static_cast<int>(pd_id) + qrx::idBase();
-    const auto command = toDisk(pd_id, kFirmwareCommit).word(10, CDW10);
+    const auto command = qrx::tunnelToDrive(pd_id, kFirmwareCommit).word(10, CDW10);
     debugWords(command, {0, 1, 10, 14});
     const auto status = static_cast<QRX_U32>(command.send(adapterID));
     debug("errStatus: 0x%x\n", status);
@@ -126,10 +121,7 @@ QRX_U32 commit(QRX_U8 adapterID, QRX_U32 pd_id, QRX_U32 CDW10, QRX_U8 ca)
 
 QRX_U32 updateHdFlash(QRX_U8 adapterID, const char* filename, QRX_U32 pd_id, QRX_U32 CDW10, QRX_U8 ca)
 {
-    // Without a name these two commit what the disk already holds; any other action would commit it unasked.
-    const bool needsImage = ca != kCommitActivateAtReset && ca != kCommitActivateNow;
-    const bool hasImage = ca != kCommitActivateAtReset && filename[0] != '\0';
-    if (hasImage || needsImage) {
+    if (ca != kCommitActivateAtReset && filename[0] != '\0') {
         if (open_file_for_flash(filename) != 0) {
             print("failed to open file %s\n", filename);
             return 1;

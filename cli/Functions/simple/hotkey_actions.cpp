@@ -8,6 +8,7 @@
 #include "api/src/interface/api.h"
 #include "api/src/interface/wire/pd.h"
 #include "api/src/interface/wire/vd.h"
+#include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_hotkey.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/report.h"
@@ -19,6 +20,8 @@ using qrx::print;
 using qrx::refuse;
 using qrx::Response;
 using qrx::vendorCommand;
+using qrx::info::fetch;
+using FetchStatus = qrx::info::Status;
 
 constexpr QRX_U8 kSubCreateVd = 3;
 constexpr QRX_U8 kSubDeleteVd = 4;
@@ -148,7 +151,8 @@ QRX_U8 getFreePDs(FreePDs& PDIDs)
 QRX_U8 _getPDInfo(QRX_U16 HDID)
 {
     Response response;
-    (void)vendorCommand(kGroupPd, 0).word(14, HDID).receiveQuietly(response.bytes());  // the answer decides
+    // The answer decides, whatever the status.
+    (void)fetch(vendorCommand(kGroupPd, 0).word(14, HDID), {0, 12, 14}, response, FetchStatus::Silent);
     const auto pd = response.record<NVME_PD_Info>();
     if (!response.isGood() || !pd) {
         if (dbg_enable != 0) {
@@ -175,7 +179,7 @@ int hotkey_deleteVD()
 int getVDID(QRX_U16 index)
 {
     Response response;
-    (void)vendorCommand(kGroupVd, 0).word(14, index).receive(response.bytes());  // the answer decides
+    (void)fetch(vendorCommand(kGroupVd, 0).word(14, index), {0, 12, 14}, response, FetchStatus::Spoken);
     const auto vd = response.record<NVME_VD_Info>();
     return response.isGood() && vd ? vd->ID : -1;
 }

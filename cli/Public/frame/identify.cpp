@@ -9,7 +9,6 @@ namespace qrx {
 
 int identify(QRX_U32 nsid, QRX_U32 cns, std::span<QRX_U8, wire::kPageSize> page, QRX_U8 adapter)
 {
-    constexpr QRX_U8 kIdentify = 6;
     std::fill(page.begin(), page.end(), QRX_U8{0});
     return static_cast<int>(QRX_Adapter_Admin(adapter, kIdentify, nsid, &cns, 1, nullptr, 0, page.data(), page.size()));
 }

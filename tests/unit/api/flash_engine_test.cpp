@@ -173,7 +173,7 @@ TEST_F(FlashEngine, ThePercentageRisesWithTheSegments)
 
 TEST_F(FlashEngine, AFailedSegmentIsTheLast)
 {
-    const Bytes image = pattern(4 * 4096);
+    const Bytes image = pattern(4 * kSegmentSize);
     PQRXFlash flash = CreateQRXFlashAdapterInstance(1, 1, 0);
     ASSERT_EQ(init(flash, scratch.file("f", textOf(image))), 0U);
     machine.expect(segment(0, segmentsOf(image)[0]));
@@ -220,7 +220,7 @@ TEST_F(FlashEngine, QueryTakesTheSlotThatRuns)
 
 TEST_F(FlashEngine, AWholeUpdateRunsInItsThread)
 {
-    const Bytes image = pattern(40 * 4096);
+    const Bytes image = pattern(40 * kSegmentSize);
     expectImage(image);
     machine.expect(commit(6 | 1 << 3));
     const NVME_Flash_Result done = update(scratch.file("f", textOf(image)), 6, 1, 0);

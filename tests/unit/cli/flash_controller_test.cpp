@@ -24,7 +24,7 @@ protected:
 TEST_F(FlashController, ImagesOfEverySizeAreSentInWholeSegments)
 {
     current().MaxFlashSize = 0x5000;
-    for (const std::size_t size : {1, 3, 4, 4095, 4096, 4097, 5000, 8192, 0x5000}) {
+    for (const std::size_t size : {1U, 3U, 4U, 4095U, 4096U, 4097U, 5000U, 8192U, 0x5000U}) {
         const Bytes image = pattern(size, 3);
         expectSegments(image);
         machine.expect(commit(1, 1));
@@ -143,7 +143,7 @@ TEST_F(FlashController, WhatIsNoReadableFileIsRefused)
                                     std::string("/dev/zero"), std::string("/forbidden")}) {
         EXPECT_EQ(flash(path), (Outcome{1, "failed to open file " + path + "\n" + kStartRefused}));
     }
-    EXPECT_EQ(flash(""), refusedByWorker);
+    EXPECT_EQ(flash(""), (Outcome{1, "flash: option -f is required\n"}));
     EXPECT_EQ(flash("'x'"), (Outcome{1, std::string("failed to open file 'x'\n") + kStartRefused,
                                      "Please use double quotation mark to include strings.\n"}));
 }
@@ -162,7 +162,7 @@ TEST_F(FlashController, AFileThatCannotBeReadIsNotSent)
 
 TEST_F(FlashController, AFileThatShrinksWhileItIsSentIsNotCommitted)
 {
-    const Bytes image = pattern(3 * 4096);
+    const Bytes image = pattern(3 * kSegmentSize);
     const std::string path = fileOf(image);
     int reads = 0;
     libc.onRead = [&](int, void* data, std::size_t count) -> ssize_t {
@@ -179,7 +179,7 @@ TEST_F(FlashController, AFileThatShrinksWhileItIsSentIsNotCommitted)
 
 TEST_F(FlashController, AFileThatChangesWhileItIsSentIsNotCommitted)
 {
-    const Bytes image = pattern(2 * 4096);
+    const Bytes image = pattern(2 * kSegmentSize);
     const std::string path = fileOf(image);
     std::vector<Bytes> answers = segmentsOf(image);  // the reads: the check, and two segments
     answers.insert(answers.begin(), image);
@@ -210,7 +210,7 @@ TEST_F(FlashController, ShortOfMemoryTheUpdateEndsAndNothingIsSent)
             return static_cast<int>(result.result);
         });
         EXPECT_EQ(libc.allocation_to_fail, 0) << allocation;
-        EXPECT_EQ(outcome, Outcome{1}) << allocation;
+        EXPECT_EQ(outcome, (Outcome{1, ""})) << allocation;
     }
 }
 
@@ -298,7 +298,7 @@ TEST_F(FlashController, TheSizeCheckLooksAtTheControllersOwnRecord)
 TEST_F(FlashController, ARealThreadDoesTheSame)
 {
     progressbar_management_close();
-    const Bytes image = pattern(20 * 4096);
+    const Bytes image = pattern(20 * kSegmentSize);
     expectSegments(image);
     machine.expect(commit(2, 1));
     const Outcome outcome = flash(fileOf(image), "1", "2");

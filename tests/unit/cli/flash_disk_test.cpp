@@ -57,7 +57,7 @@ protected:
 
 TEST_F(FlashDisk, ImagesOfEverySizeAreSentToTheirExactEnd)
 {
-    for (const std::size_t size : {1, 3, 4, 4095, 4096, 4097, 5000, 8192, 8198}) {
+    for (const std::size_t size : {1U, 3U, 4U, 4095U, 4096U, 4097U, 5000U, 8192U, 8198U}) {
         const Bytes image = pattern(size, 3);
         const std::string lines = expectDownload(image);
         machine.expect(diskCommit(9));
@@ -180,7 +180,7 @@ TEST_F(FlashDisk, AnEmptyFileIsRefused)
 TEST_F(FlashDisk, AnEmptyNameIsNoImageToCommit)
 {
     for (const char* ca : {"0", "1", "4", "7"}) {
-        EXPECT_EQ(flash("", ca), (Outcome{1, "failed to open file \n"}));
+        EXPECT_EQ(flash("", ca), (Outcome{1, "flash: option -f is required\n"})) << ca;
     }
     machine.expect(diskCommit(1 | 3 << 3));
     EXPECT_EQ(flash("\"\"", "3"), (Outcome{0, "flash NVMe Controller firmware success\n"}));
@@ -195,7 +195,7 @@ TEST_F(FlashDisk, AnImageThatOffsetsCannotReachIsRefused)
 
 TEST_F(FlashDisk, AFileThatShrinksWhileItIsSentIsNotCommitted)
 {
-    const std::string path = fileOf(pattern(3 * 4096));
+    const std::string path = fileOf(pattern(3 * kSegmentSize));
     static std::string shrinking;
     shrinking = path;
     int sent = 0;

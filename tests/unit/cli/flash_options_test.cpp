@@ -134,6 +134,10 @@ TEST_F(FlashOptions, MissingOptionsAreAllNamed)
     refused({"flash", "-o", "pd", "-c", "2"}, required('s') + required('i'));
     refused({"flash", "-o", "hba", "-o", "pd", "-c", "2", "-s", "1"}, required('i'));
     refused({"flash", "-c", "2", "-s", "1"}, required('o'));
+    for (const char* object : {"hba", "pd"}) {  // an empty name is none
+        refused({"flash", "-o", object, "-f", "", "-c", "1", "-s", "1"},
+                required('f') + (object[0] == 'p' ? required('i') : ""));
+    }
     refused({"flash", "-i", "1"}, required('o') + required('c') + required('s') + required('f'));
 }
 

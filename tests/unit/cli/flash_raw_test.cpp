@@ -25,7 +25,7 @@ protected:
 
 TEST_F(FlashRaw, BothLayoutsAreSentWithTheVendorStepAndCommittedToSlotOne)
 {
-    for (const std::size_t body : {0x40, 0x80}) {
+    for (const std::size_t body : {0x40U, 0x80U}) {
         const Bytes image = rawImage({body, body, body});
         expectSegments(image);
         machine.expect(vendorStep(image));

@@ -57,7 +57,7 @@ const std::string kCancel = "Cancel secure erase command.\n";
 class HotkeyCommand : public StorageTest {
 protected:
     // PDs 0 to the last one named, of which those named are free.
-    void expectPds(std::size_t count, const std::vector<QRX_U16>& free)
+    void expectPds(QRX_U16 count, const std::vector<QRX_U16>& free)
     {
         current().MaxPD = static_cast<QRX_U8>(count);
         current().PortCount = 1;
@@ -78,6 +78,12 @@ protected:
     static Command erase(QRX_U32 id)
     {
         return Command::passthru(195).word(1, id).word(10, 512).word(14, 128).word(15, 1).flag(0xC403).on(1);
+    }
+    static std::string debugOfFetch(unsigned group, unsigned id)
+    {
+        char lines[80];
+        std::snprintf(lines, sizeof(lines), "CDW[0] : 0x000000e2\nCDW[12]: 0x%08x\nCDW[14]: 0x%08x\n", group, id);
+        return lines;
     }
     static Command adapterFetch() { return page(0xE0, 0x5001); }
     static Command registerRead(QRX_U32 id, QRX_U32 address)
@@ -182,10 +188,14 @@ TEST_F(HotkeyCommand, ADiskThatCannotBeReadIsNotFree)
     machine.expect(pdFetch(3).data(envelope(NVME_PD_Info{})).status(2));  // the answer decides
     machine.expect(create(0, 0, 0x8));
     EXPECT_EQ(command({"hotkey", "-k", "01g"}),
-              (Outcome{0,
-                       "Get PD info from ID: 0 fail\nGet PD info from ID: 1 fail\nGet PD info from ID: 2 fail\n"
-                       "CDW[0] : 0x000000e2\nCDW[12]: 0x000003e2\nCDW[13]: 0x00000008\nCDW[14]: 0x00000001\n"
-                       "cmd success\n"}));
+              (Outcome{0, debugOfFetch(0xE1, 0) + "cmd_status: 0x0\n" +
+                              "receive sign get 0x71 0x52 0x58 expect 0x51 0x52 0x58\n" +
+                              "Get PD info from ID: 0 fail\n" + debugOfFetch(0xE1, 1) +
+                              "cmd_status: 0x6\nGet PD info from ID: 1 fail\n" + debugOfFetch(0xE1, 2) +
+                              "cmd_status: 0x0\nreceive sign get 0x0 0x0 0x0 expect 0x51 0x52 0x58\n" +
+                              "Get PD info from ID: 2 fail\n" + debugOfFetch(0xE1, 3) + "cmd_status: 0x0\n" +
+                              "CDW[0] : 0x000000e2\nCDW[12]: 0x000003e2\nCDW[13]: 0x00000008\nCDW[14]: 0x00000001\n"
+                              "cmd success\n"}));
 }
 
 TEST_F(HotkeyCommand, ARefusedCreationIsToldAndNotReturned)
@@ -226,7 +236,8 @@ TEST_F(HotkeyCommand, DeletedIdsAreShownAsTheyAre)
     current().MaxVD = 1;
     machine.expect(vdFetch(0).data(envelope(NVME_VD_Info{.ID = 0})));
     machine.expect(vdDelete(0));
-    EXPECT_EQ(command({"hotkey", "-k", "D"}), (Outcome{0, "delete VD ID 0 success\n"}));
+    EXPECT_EQ(command({"hotkey", "-k", "D"}),
+              (Outcome{0, debugOfFetch(0xE2, 0) + "cmd_status: 0x0\ndelete VD ID 0 success\n"}));
 }
 
 TEST_F(HotkeyCommand, NoVdToDelete)
@@ -257,9 +268,10 @@ TEST_F(HotkeyCommand, AsksFirst)
         machine.expect(erase(0));
         EXPECT_EQ(command({"hotkey", "-k", "s"}), (Outcome{0, kRaidWarning + kQuestion, "Erase PD ID: 0\n"})) << answer;
     }
+    const std::string refused = kRaidWarning + kQuestion + kCancel;
     for (const char* answer : {"n\n", "N\n", "no\n", "never mind"}) {
         const Input input(answer);
-        EXPECT_EQ(command({"hotkey", "-k", "s"}), (Outcome{0, kRaidWarning + kQuestion + kCancel})) << answer;
+        EXPECT_EQ(command({"hotkey", "-k", "s"}), (Outcome{0, refused})) << answer;
     }
 }
 

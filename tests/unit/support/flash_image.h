@@ -52,8 +52,9 @@ inline void setSum(Bytes& image, QRX_U32 sum = 0)
 }
 
 inline constexpr std::array<std::size_t, 3> kHeaders{0x40000, 0x60000, 0x80000};
-inline constexpr std::size_t kBody = 0x345;       // bytes of each component
-inline constexpr std::size_t kRawSize = 0x81000;  // the least that holds all of them in whole pages
+inline constexpr std::size_t kSegmentSize = 4096;  // bytes that one command carries
+inline constexpr std::size_t kBody = 0x345;        // bytes of each component
+inline constexpr std::size_t kRawSize = 0x81000;   // the least that holds all of them in whole pages
 
 // A raw image whose components have their bodies `bodies` bytes behind their headers.
 inline Bytes rawImage(std::array<std::size_t, 3> bodies, std::size_t size = kRawSize)

@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "api/src/device/common/AdapterRecord.h"
+#include "api/src/device/common/IdentifyController.h"
 #include "api/src/device/common/PairCMDDevice.h"
 #include "api/src/device/linux/NVMEDevice.h"
 #include "api/src/device/linux/SystemBIOS.h"
@@ -31,8 +32,6 @@ constexpr std::string_view kTreeMark = "/nvme/";
 constexpr std::string_view kNumberMark = "/nvme/nvme";  // the device number stands behind it
 constexpr char kDeviceDirectory[] = "/dev";
 constexpr std::string_view kDevicePrefix = "nvme";
-constexpr QRX_U8 kIdentify = 6;
-constexpr QRX_U32 kIdentifyController = 1;
 constexpr std::size_t kLocationSize = sizeof(BusDevFun::bus_dev_fun);
 constexpr std::size_t kSubnqnSize = 223;
 
@@ -70,16 +69,6 @@ void putText(char* field, std::size_t size, std::string_view text)
     const std::size_t length = std::min(text.size(), size - 1);
     std::copy_n(text.data(), length, field);
     std::fill(field + length, field + size, '\0');
-}
-
-std::optional<nvme_id_ctrl> identifyController(PDevice handle)
-{
-    QRX_U32 cdw[] = {kIdentifyController};
-    nvme_id_ctrl ctrl{};
-    if (handle->sendCommand(handle, kIdentify, 0, cdw, 1, nullptr, 0, &ctrl, sizeof(ctrl)) != 0) {
-        return std::nullopt;
-    }
-    return ctrl;
 }
 
 // The vendor's adapter read: the status of the call, and the record unless the firmware refused.
@@ -260,7 +249,7 @@ void parseBusDevFun(PBusDevFun pBusDevFun, const char* line)
 
 QRX_U8 DeviceManagement_identify(PDevice handle)
 {
-    const auto ctrl = identifyController(handle);
+    const auto ctrl = qrx::identifyController(handle);
     if (!ctrl) {
         return 0;
     }
@@ -293,7 +282,7 @@ QRX_U32 GetBDFfromSimpleAdapterInfo(PDevice handle, char* bdf)
 void get_identify_subnqn_gen(PDevice handle, char* subnqn)
 {
     std::fill_n(subnqn, kSubnqnSize, '\0');
-    if (const auto ctrl = identifyController(handle)) {
+    if (const auto ctrl = qrx::identifyController(handle)) {
         putPadded(subnqn, ctrl->subnqn, kSubnqnSize);
     }
 }
@@ -321,7 +310,7 @@ void get_identify_subnqn(PDevice handle, char* subnqn)
     constexpr std::size_t kNumberSize = 32;
     static_assert(offsetof(nvme_id_ctrl, subnqn) + kNameSize == 828);
     std::fill_n(subnqn, kNameSize + kNumberSize, '\0');
-    if (const auto ctrl = identifyController(handle)) {
+    if (const auto ctrl = qrx::identifyController(handle)) {
         putPadded(subnqn, ctrl->subnqn, kNameSize);
         QRX_U32 number = 0;
         std::memcpy(&number, ctrl->subnqn + kNameSize, sizeof(number));

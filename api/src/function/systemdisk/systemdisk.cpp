@@ -5,22 +5,18 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "api/src/device/common/IdentifyController.h"
 #include "api/src/device/linux/NVMEDevice.h"
 #include "api/src/interface/wire/adapter.h"
 
 namespace {
 
-constexpr QRX_U8 kIdentify = 6;
-constexpr QRX_U32 kIdentifyController = 1;
 constexpr QRX_U8 kUnknownNamespace = 255;
 
 QRX_U8 QRXSystemDisk_id_ctrl(PQRXSystemDisk self)
 {
-    QRX_U32 cdw[] = {kIdentifyController};
-    self->m_control_id = {};
-    const QRX_U32 status = self->m_dev->sendCommand(self->m_dev, kIdentify, 0, cdw, 1, nullptr, 0, &self->m_control_id,
-                                                    sizeof(self->m_control_id));
-    return status == 0 && self->m_control_id.vid == kControllerVendorId ? 1 : 0;
+    self->m_control_id = qrx::identifyController(self->m_dev).value_or(QRX_ID_CONTROLLER{});
+    return self->m_control_id.vid == kControllerVendorId ? 1 : 0;
 }
 
 QRX_ID_CONTROLLER* QRXSystemDisk_getControl(PQRXSystemDisk self)

@@ -5,6 +5,15 @@
 
 #include "api/src/interface/wire/types.h"
 
+namespace qrx {
+
+// The Identify command, and what it answers (CNS).
+inline constexpr QRX_U8 kIdentify = 6;
+inline constexpr QRX_U8 kIdentifyNamespace = 0;
+inline constexpr QRX_U8 kIdentifyController = 1;
+
+}  // namespace qrx
+
 // Identify Controller data.
 struct nvme_id_psd {
     QRX_U16 mp;  // maximum power, in units told by flags

@@ -23,7 +23,20 @@ TEST(MachineText, AnEmptyObjectIsAMachineWithoutDevices)
     const auto machine = load_machine("{}", "lab.json");
     ASSERT_TRUE(machine) << machine.error();
     EXPECT_TRUE((*machine)->controllers().empty());
+    EXPECT_EQ((*machine)->mount_table(),
+              "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0\n"
+              "/dev/sda2 / ext4 rw,relatime 0 0\n"
+              "/dev/sda1 /boot vfat rw,relatime 0 0\n");
+}
+
+TEST(MachineText, AnEmptyMountTableIsThatOfTheHost)
+{
+    const auto machine = load_machine(R"({"mount_table": []})", "lab.json");
+    ASSERT_TRUE(machine) << machine.error();
     EXPECT_EQ((*machine)->mount_table(), "");
+    const auto again = load_machine(save_machine(**machine), "lab.json");
+    ASSERT_TRUE(again) << again.error();
+    EXPECT_EQ((*again)->mount_table(), "");
 }
 
 TEST(MachineText, AControllerHasADefaultForEverything)

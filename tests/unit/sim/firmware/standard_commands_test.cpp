@@ -19,7 +19,8 @@ constexpr std::string_view kText = R"json({
     "health": {
       "critical_warning": 21, "temperature": 322, "spare": 23, "spare_threshold": 24, "used": 25, "sectors_read": 26001,
       "sectors_written": 27000, "host_reads": 28, "host_writes": 29, "busy_minutes": 30, "power_cycles": 31,
-      "power_on_ms": 115200000, "unsafe_shutdowns": 33, "media_errors": 34, "warning_minutes": 35, "critical_minutes": 36
+      "power_on_ms": 115200000, "unsafe_shutdowns": 33, "media_errors": 34, "warning_minutes": 35, "critical_minutes": 36,
+      "throttle1_count": 37, "throttle2_count": 38, "throttle1_seconds": 39, "throttle2_seconds": 40
     },
     "adapter": {"max_ns": 9, "subsystem_vendor_id": 4660},
     "drives": [{"id": 0, "sectors": 1000}, {"id": 1, "sectors": 3000, "sector_size": 4096}],
@@ -229,6 +230,10 @@ _qrx_smart_log expected_health(QRX_U8 errors)
     log.num_err_log_entries[0] = errors;
     log.warning_temp_time = 35;
     log.critical_comp_time = 36;
+    log.tmt1tc = 37;
+    log.tmt2tc = 38;
+    log.ttftmt1 = 39;
+    log.ttftmt2 = 40;
     log.temp_sensor[0] = 322;
     return log;
 }

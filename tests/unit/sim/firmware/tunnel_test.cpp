@@ -299,7 +299,7 @@ TEST_F(Tunnel, NamespaceHealthCountsWhatHostsDid)
     EXPECT_EQ(rig.vendor(1U << 16 | 0x08E5).status, kGood);
     EXPECT_EQ(rig.bytes(0, 512), std::string(512, '\0'));
     EXPECT_TRUE(rig.all_from(512, kUntouched)) << "no envelope, no page";
-    std::vector<QRX_U8> data(512 * 8);
+    std::vector<QRX_U8> data(std::size_t{8} * 512);
     nvme_admin_cmd io{};
     io.nsid = 1;
     io.cdw12 = 7;

@@ -1,0 +1,120 @@
+// The text form of a controller, and of what it shares with an SSD: its place in the machine and its identity.
+#include <algorithm>
+
+#include "sim/firmware/describe.h"
+
+namespace qrx::sim {
+
+namespace {
+
+template <class Io>
+void describe(Io& io, PairMailbox& mailbox)
+{
+    io.flag("pending", mailbox.pending);
+    std::vector<QRX_U16> words(mailbox.words.begin(), mailbox.words.end());
+    io.numbers("words", words, mailbox.words.size(), kAny16);
+    std::copy(words.begin(), words.end(), mailbox.words.begin());
+    io.bytes("request", mailbox.request, PairMailbox::kRequestMax);
+}
+
+constexpr auto kSubjectWords =
+    std::to_array<JsonWord>({{Event::kAdapter, "adapter"}, {Event::kPd, "pd"}, {Event::kVd, "vd"}, {Event::kNs, "ns"}});
+
+template <class Io>
+void describe(Io& io, EventList& events)
+{
+    io.number("count", events.count, 0, kAny64);
+    io.list("entries", events.entries, EventList::kEntries, [&](auto& inner, Event& event) {
+        inner.number("number", event.number, 1, kAny64);
+        inner.number("uptime_ms", event.uptime, 0, kMaxMilliseconds);
+        inner.number("time_ms", event.time, 0, kMaxMilliseconds);
+        inner.code("subject", event.subject, kSubjectWords);
+        inner.number("id", event.id, 0, kAny16);
+        inner.text("text", event.text, EventList::kTextMax);
+    });
+    const bool ordered =
+        std::adjacent_find(events.entries.begin(), events.entries.end(), [](const Event& left, const Event& right) {
+            return left.number >= right.number;
+        }) == events.entries.end();
+    io.check(ordered && (events.entries.empty() || events.entries.back().number <= events.count), "entries",
+             "must have rising numbers up to 'count'");
+}
+
+}  // namespace
+
+template <class Io>
+void describe_place(Io& io, NvmeFunction& function, const Machine::Parts& machine)
+{
+    io.number("number", function.number, 0, kMaxDeviceNumber);
+    if (Io::kReads) {
+        const auto same = [&](const NvmeFunction& other) {
+            return &other != &function && other.number == function.number;
+        };
+        io.check(std::none_of(machine.controllers.begin(), machine.controllers.end(), same) &&
+                     std::none_of(machine.ssds.begin(), machine.ssds.end(), same),
+                 "number", "is " + std::to_string(function.number) + ", which an earlier device has");
+        function.address.bus = static_cast<QRX_U8>(3 + function.number % 0xF0);
+        function.slot = static_cast<QRX_U16>(function.number + 1);
+    }
+    std::string address = function.address.text();
+    io.text("address", address, 12);
+    if (const auto parsed = PciAddress::parse(address)) {
+        function.address = *parsed;
+    } else {
+        io.check(false, "address", "is \"" + address + "\"; its form is \"0000:03:00.0\"");
+    }
+    io.number("slot", function.slot, 0, kAny16);
+}
+
+template <class Io>
+void describe_identity(Io& io, NvmeFunction& function)
+{
+    if (Io::kReads) {
+        const std::string number = std::to_string(function.number);
+        function.serial = "QRXSIM" + std::string(number.size() < 4 ? 4 - number.size() : 0, '0') + number;
+    }
+    io.number("controller_id", function.controller_id, 0, kAny16);
+    io.text("model", function.model, sizeof(nvme_id_ctrl::mn));
+    io.text("serial", function.serial, sizeof(nvme_id_ctrl::sn));
+    if (Io::kReads) {
+        function.subnqn = "nqn.2026-01.com.example:qrx:" + function.serial;
+    }
+    io.text("subnqn", function.subnqn, 223, true);
+    describe_device(io, function, false);
+}
+
+template <class Io>
+void describe(Io& io, Controller& controller, const Machine::Parts& machine)
+{
+    describe_place(io, controller, machine);
+    describe_identity(io, controller);
+    io.object("adapter", [&](auto& inner) { describe(inner, controller.adapter); });
+    io.object("config", [&](auto& inner) { describe(inner, controller.config); });
+    io.object("settings", [&](auto& inner) { describe(inner, controller.settings); });
+    controller.subsystem_vendor_id = controller.adapter.subsystem_vendor_id;
+    if (Io::kReads && !io.has("oem_data")) {
+        (void)controller.set_oem_data("factory");
+    }
+    io.bytes("oem_data", controller.oem.bytes, OemStore::kSize);
+    io.list("drives", controller.drives, kMaxPdId + 1,
+            [&](auto& inner, Drive& drive) { describe(inner, drive, controller); });
+    io.list("virtual_disks", controller.virtual_disks, kMaxVdId + 1,
+            [&](auto& inner, VirtualDisk& vd) { describe(inner, vd, controller); });
+    io.list("namespaces", controller.namespaces, Controller::kMaxNamespaces,
+            [&](auto& inner, Namespace& ns) { describe(inner, ns, controller); });
+    io.object("mailbox", [&](auto& inner) { describe(inner, controller.mailbox); });
+    io.object("events", [&](auto& inner) { describe(inner, controller.events); });
+    io.number("namespaces_made", controller.namespaces_made, 0, kAny32);
+    sort_by(controller.drives, &Drive::id);
+    sort_by(controller.virtual_disks, &VirtualDisk::id);
+    sort_by(controller.namespaces, &Namespace::nsid);
+}
+
+template void describe_place(JsonReader&, NvmeFunction&, const Machine::Parts&);
+template void describe_place(JsonWriter&, NvmeFunction&, const Machine::Parts&);
+template void describe_identity(JsonReader&, NvmeFunction&);
+template void describe_identity(JsonWriter&, NvmeFunction&);
+template void describe(JsonReader&, Controller&, const Machine::Parts&);
+template void describe(JsonWriter&, Controller&, const Machine::Parts&);
+
+}  // namespace qrx::sim
