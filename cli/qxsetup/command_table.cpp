@@ -13,9 +13,11 @@
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Functions/simple/simple_dumphba.h"
+#include "cli/Functions/simple/simple_event.h"
 #include "cli/Functions/simple/simple_hotkey.h"
 #include "cli/Functions/simple/simple_import.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Functions/simple/simple_log.h"
 #include "cli/Functions/simple/simple_ns.h"
 #include "cli/Functions/simple/simple_oemdata.h"
 #include "cli/Functions/simple/simple_vd.h"
@@ -39,8 +41,10 @@ Command_Info generalCmdTableV1[] = {
     row("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
     row("smart", doSmart, smart_help, ":Get SSD backend RC/Slot SMART info."),
     row("flash", doFlash, flash_help, ":Update flash image."),
+    row("log", doSLog, simple_log_help, ":For show/on/off SPI log"),
     row("info", doSInfo, simple_info_help,
         ":For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) or Namespace(ns) information."),
+    row("event", doSEvent, simple_event_help, ":For getting event from NVMe Controller."),
     row("import", doSImport, simple_import_help, ":For import VD"),
     row("init", doSINIT, simple_init_help, ":For start or stop VD initialization."),
     row("mp", doSMP, simple_mp_help, ":For start or stop media patrol for a virtual disk."),

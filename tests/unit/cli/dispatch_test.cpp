@@ -163,10 +163,11 @@ TEST(CommandTables, HoldTheseRows)
         }
         return names;
     };
-    EXPECT_EQ(namesOf(generalCmdTableV1, generalCmdTableV1Size()),
-              (std::vector<std::string>{"?",       "help",     "adapter", "version", "smart",   "flash",   "info",
-                                        "import",  "init",     "mp",      "rebuild", "debuglv", "get",     "set",
-                                        "oemdata", "passthru", "vd",      "dumphba", "ns",      "identify"}));
+    EXPECT_EQ(
+        namesOf(generalCmdTableV1, generalCmdTableV1Size()),
+        (std::vector<std::string>{"?",       "help",     "adapter", "version", "smart",   "flash",   "log", "info",
+                                  "event",   "import",   "init",    "mp",      "rebuild", "debuglv", "get", "set",
+                                  "oemdata", "passthru", "vd",      "dumphba", "ns",      "identify"}));
     EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()),
               (std::vector<std::string>{"--debug", "hotkey", "getoemdata"}));
 }
