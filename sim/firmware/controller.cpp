@@ -168,7 +168,7 @@ Clock::Duration Controller::next_change() const
         next = drive.activity ? std::min(next, drive.activity->left()) : next;
     }
     for (const VirtualDisk& vd : virtual_disks) {
-        next = vd.activity ? std::min(next, vd.activity->left()) : next;
+        next = vd.activity ? std::min(next, vd.activity->left_of_tenth()) : next;
     }
     return next;
 }
@@ -180,7 +180,9 @@ void Controller::advance_back_end(Clock::Duration passed)
     }
     for (VirtualDisk& vd : virtual_disks) {
         if (vd.activity) {
+            const unsigned before = vd.activity->percentage();
             vd.activity->advance(passed);
+            tell_progress(vd, before, vd.activity->percentage());
             if (vd.activity->finished()) {
                 finish_activity(vd);
             }

@@ -104,6 +104,8 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
             [&](auto& inner, Namespace& ns) { describe(inner, ns, controller); });
     io.object("mailbox", [&](auto& inner) { describe(inner, controller.mailbox); });
     io.object("events", [&](auto& inner) { describe(inner, controller.events); });
+    io.object("event_ring", [&](auto& inner) { describe(inner, controller.ring); });
+    io.object("spi_log", [&](auto& inner) { describe(inner, controller.spi_log); });
     io.number("namespaces_made", controller.namespaces_made, 0, kAny32);
     sort_by(controller.drives, &Drive::id);
     sort_by(controller.virtual_disks, &VirtualDisk::id);

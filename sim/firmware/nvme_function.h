@@ -119,6 +119,8 @@ protected:
     [[nodiscard]] virtual std::string firmware_version() const { return {}; }
     // From now on firmware of this version runs.
     virtual void take_version(const std::string& /*version*/) {}
+    // A commit has put an image into slot `target`.
+    virtual void firmware_stored(unsigned /*target*/) {}
     // The part of a reset that concerns what is behind the function.
     virtual void reset_back_end() {}
     // Whether what lies under the namespace can be read and written.

@@ -99,10 +99,10 @@ constexpr auto kVendorNames = std::to_array<Name>({
     {vendor::kCreateNs, "create-ns"},
     {vendor::kReadNsSharing, "read-ns-sharing"},
     {vendor::kReadNsHealth, "ns-smart-log"},
-    {0x00FE, "read-spi-log"},
-    {0x02FE, "read-log-status"},
-    {0x03FE, "log-switch"},
-    {0x04FE, "read-events"},
+    {vendor::kReadLog, "read-spi-log"},
+    {vendor::kReadLogStatus, "read-log-status"},
+    {vendor::kSwitchLog, "log-switch"},
+    {vendor::kReadEvents, "read-events"},
 });
 
 const char* find(std::span<const Name> names, QRX_U16 code)

@@ -62,6 +62,10 @@ inline constexpr QRX_U16 kSetNsSharing = 0x03E5;
 inline constexpr QRX_U16 kCreateNs = 0x04E5;
 inline constexpr QRX_U16 kReadNsSharing = 0x05E5;
 inline constexpr QRX_U16 kReadNsHealth = 0x08E5;
+inline constexpr QRX_U16 kReadLog = 0x00FE;
+inline constexpr QRX_U16 kReadLogStatus = 0x02FE;
+inline constexpr QRX_U16 kSwitchLog = 0x03FE;
+inline constexpr QRX_U16 kReadEvents = 0x04FE;
 }  // namespace vendor
 
 // Whether the opcode's two low bits say that data goes to the device, or comes from it.
