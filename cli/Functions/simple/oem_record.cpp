@@ -71,7 +71,7 @@ QRX_U32 __checksumResult(const void* data, QRX_U32 len, QRX_U8 check)
 {
     const auto* at = static_cast<const QRX_U8*>(data);
     QRX_U32 sum = 0;
-    for (QRX_U32 words = len / sizeof(sum); words > 0; --words, at += sizeof(sum)) {
+    for (std::size_t words = len / sizeof(sum); words > 0; --words, at += sizeof(sum)) {
         QRX_U32 word = 0;
         std::memcpy(&word, at, sizeof(word));
         sum += word;
