@@ -10,11 +10,14 @@
 #include "sim/firmware/board.h"
 #include "sim/firmware/drive.h"
 #include "sim/firmware/event_list.h"
+#include "sim/firmware/event_ring.h"
 #include "sim/firmware/hba_settings.h"
 #include "sim/firmware/nvme_function.h"
+#include "sim/firmware/oem_store.h"
 #include "sim/firmware/pair_mailbox.h"
 #include "sim/firmware/pcie_interface.h"
 #include "sim/firmware/result.h"
+#include "sim/firmware/spi_log.h"
 #include "sim/firmware/virtual_disk.h"
 
 namespace qrx::sim {
@@ -46,11 +49,14 @@ public:
     AdapterConfig config;
     HbaSettings settings;
     Board board;
+    OemStore oem;                            // goes before what the fields of the function and the adapter say
     std::vector<Drive> drives;               // in order of id
     std::vector<VirtualDisk> virtual_disks;  // in order of id
     PairMailbox mailbox;
     std::vector<PcieInterface> interfaces;  // those that differ from a fresh one, in order of id
     EventList events;
+    EventRing ring;
+    SpiLog spi_log;
     QRX_U64 namespaces_made = 0;  // since the start, so that no two have the same identifiers
 
     friend bool operator==(const Controller&, const Controller&) = default;
@@ -65,6 +71,11 @@ public:
     std::optional<Failure> remove_drive(QRX_U32 id);
     // Pulls it, if it is there, and plugs in a fresh one of the same kind with the same id.
     std::optional<Failure> replace_drive(QRX_U32 id);
+
+    // Makes the OEM store hold what the controller left its factory with, or spoils it as OemStore::spoil does.
+    std::optional<Failure> set_oem_data(std::string_view what);
+
+    [[nodiscard]] Identity identity() const override;
 
     // The records that the firmware reports.
     [[nodiscard]] NVME_Adapter_Info adapter_record() const;
@@ -87,6 +98,7 @@ protected:
     [[nodiscard]] std::string firmware_version() const override { return version_text(adapter.firmware); }
     void take_version(const std::string& version) override;
     void reset_back_end() override;
+    void firmware_stored(unsigned target) override;
     [[nodiscard]] bool in_service(const Namespace& ns) const override;
 
 private:
@@ -98,6 +110,7 @@ private:
     Verdict check_raw_image(const nvme_admin_cmd& command);
     // The vendor commands of opcode 0xC7.
     Completion vendor_write(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    Completion write_oem_data(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     Completion read_namespace_health(QRX_U16 nsid, std::span<QRX_U8> data) const;
 
     // Registers. What adapter says of an interface, or null where there is none.
@@ -107,6 +120,7 @@ private:
     Completion read_register(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     Verdict write_register(const nvme_admin_cmd& command);
 
+    Completion vendor_command(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     // The vendor commands of opcode 0xE2.
     Completion vendor_read(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     Completion read_pd(QRX_U32 id, std::span<QRX_U8> data) const;
@@ -164,7 +178,8 @@ private:
     [[nodiscard]] Verdict check_rebuild_target(const VirtualDisk& vd, QRX_U32 pd) const;
     void start_activity(VirtualDisk& vd, QRX_U8 type);
     void finish_activity(VirtualDisk& vd);
-    void abort_activity(VirtualDisk& vd, const std::string& why);
+    // `wanted`: a host asked for it.
+    void abort_activity(VirtualDisk& vd, const std::string& why, bool wanted = false);
     // Sectors that every member of the virtual disk gives.
     [[nodiscard]] QRX_U64 share_of(const VirtualDisk& vd) const;
     [[nodiscard]] bool member_lost(const VirtualDisk& vd, std::size_t index) const;
@@ -185,7 +200,20 @@ private:
     Verdict set_sharing(QRX_U16 nsid, QRX_U32 word);
     Verdict import_table(QRX_U32 pd, QRX_U16 table);
 
-    void tell(Event::Subject subject, QRX_U16 id, std::string text) { events.add(clock, subject, id, std::move(text)); }
+    // Keeps what has happened in the list of events. `what` is the word for it in the ring ("_CREATED"), empty for
+    // what the ring has no word for.
+    void tell(Event::Subject subject, QRX_U16 id, std::string text, std::string_view what = {},
+              QRX_U8 severity = QRX_NVME_EVT_SEVERITY_NOTIFY);
+    // The part of it that concerns the ring and the debug console, which gets `sentence`.
+    void note(Event::Subject subject, QRX_U16 id, std::string_view what, QRX_U8 severity, std::string_view sentence);
+    // Notes every tenth of its way that the activity has passed between two percentages.
+    void tell_progress(const VirtualDisk& vd, unsigned from, unsigned to);
+    // A line of the debug console about a command that failed.
+    void log_refusal(const nvme_admin_cmd& command, const Completion& completion);
+    Completion read_events(QRX_U32 offset, QRX_U32 length, std::span<QRX_U8> data) const;
+    Completion read_log_status(std::span<QRX_U8> data);
+    Completion read_log(std::span<QRX_U8> data);
+    Verdict switch_log(QRX_U32 word);
     // Takes a member out of its virtual disk: `gone` when its slot is empty from now on.
     void lose_member(QRX_U16 pd, bool gone);
 

@@ -40,6 +40,10 @@ void describe(Io& io, VirtualDisk& vd, const Controller& controller);
 template <class Io>
 void describe(Io& io, Namespace& ns, const Controller& controller);
 template <class Io>
+void describe(Io& io, EventRing& ring);
+template <class Io>
+void describe(Io& io, SpiLog& log);
+template <class Io>
 void describe(Io& io, Controller& controller, const Machine::Parts& machine);
 
 // What every NVMe device has. Drives may run firmware without a name.

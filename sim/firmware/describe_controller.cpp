@@ -96,6 +96,10 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
     }
     io.object("board", [&](auto& inner) { describe(inner, controller.board); });
     controller.subsystem_vendor_id = controller.adapter.subsystem_vendor_id;
+    if (Io::kReads && !io.has("oem_data")) {
+        (void)controller.set_oem_data("factory");
+    }
+    io.bytes("oem_data", controller.oem.bytes, OemStore::kSize);
     io.list("drives", controller.drives, kMaxPdId + 1,
             [&](auto& inner, Drive& drive) { describe(inner, drive, controller); });
     io.list("virtual_disks", controller.virtual_disks, kMaxVdId + 1,
@@ -106,6 +110,8 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
             [&](auto& inner, PcieInterface& interface) { describe(inner, interface, controller); });
     io.object("mailbox", [&](auto& inner) { describe(inner, controller.mailbox); });
     io.object("events", [&](auto& inner) { describe(inner, controller.events); });
+    io.object("event_ring", [&](auto& inner) { describe(inner, controller.ring); });
+    io.object("spi_log", [&](auto& inner) { describe(inner, controller.spi_log); });
     io.number("namespaces_made", controller.namespaces_made, 0, kAny32);
     sort_by(controller.drives, &Drive::id);
     sort_by(controller.virtual_disks, &VirtualDisk::id);

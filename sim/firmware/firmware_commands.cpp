@@ -64,6 +64,7 @@ Completion NvmeFunction::commit_firmware(const nvme_admin_cmd& command)
         }
         remember_version();
         slots.store(target, *std::move(content));
+        firmware_stored(target);
     } else if (slots.contents[target - 1].revision.empty()) {
         return complete(status::kInvalidFirmwareImage);
     } else if (slots.contents[target - 1].revoked) {

@@ -53,7 +53,8 @@ Namespace& Controller::make_namespace(QRX_U8 parent_kind, QRX_U16 parent, QRX_U6
     ns.derive_identifiers(serial, ++namespaces_made);
     tell(Event::kNs, ns.nsid,
          std::string("created on ") + (parent_kind == kNsParentVd ? "VD " : "PD ") + std::to_string(parent) + " with " +
-             std::to_string(sectors) + " sectors");
+             std::to_string(sectors) + " sectors",
+         "_CREATED");
     const auto place = std::find_if(namespaces.begin(), namespaces.end(),
                                     [&](const Namespace& other) { return other.nsid > ns.nsid; });
     return *namespaces.insert(place, std::move(ns));
@@ -64,7 +65,7 @@ void Controller::drop_namespaces(QRX_U8 parent_kind, QRX_U16 parent)
     const auto on_it = [&](const Namespace& ns) { return ns.parent_kind == parent_kind && ns.parent == parent; };
     for (const Namespace& ns : namespaces) {
         if (on_it(ns)) {
-            tell(Event::kNs, ns.nsid, "deleted");
+            tell(Event::kNs, ns.nsid, "deleted", "_DELETE");
         }
     }
     std::erase_if(namespaces, on_it);
@@ -261,7 +262,8 @@ Completion Controller::attach(const nvme_admin_cmd& command, std::span<const QRX
     }
     ns->waiting = ns->waiting && operation != kAttach;
     tell(Event::kNs, ns->nsid,
-         (operation == kAttach ? "attached to host function " : "detached from host function ") + text);
+         (operation == kAttach ? "attached to host function " : "detached from host function ") + text,
+         operation == kAttach ? "_ATTACH" : "_DETACH");
     return complete(status::kSuccess);
 }
 

@@ -48,6 +48,15 @@ public:
     Completion execute_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     Completion execute_io(const nvme_admin_cmd& command, std::span<QRX_U8> data);
 
+    // How it identifies itself: by the fields above, unless something else has been stored in the device.
+    struct Identity {
+        QRX_U16 subsystem_vendor_id = 0;
+        std::string model;
+        std::string serial;
+        std::string subnqn;
+    };
+    [[nodiscard]] virtual Identity identity() const { return {subsystem_vendor_id, model, serial, subnqn}; }
+
     [[nodiscard]] ControllerNode node() const;
     // Lets simulated time go by.
     void advance(Clock::Duration passed);
@@ -115,6 +124,8 @@ protected:
     [[nodiscard]] virtual std::string firmware_version() const { return {}; }
     // From now on firmware of this version runs.
     virtual void take_version(const std::string& /*version*/) {}
+    // A commit has put an image into slot `target`.
+    virtual void firmware_stored(unsigned /*target*/) {}
     // The part of a reset that concerns what is behind the function.
     virtual void reset_back_end() {}
     // Whether what lies under the namespace can be read and written.

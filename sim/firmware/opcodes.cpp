@@ -62,7 +62,7 @@ constexpr auto kVendorNames = std::to_array<Name>({
     {vendor::kReadAdapterConfig, "read-adapter-config"},
     {vendor::kWriteAdapterConfig, "write-adapter-config"},
     {vendor::kSetTime, "set-time"},
-    {0x04E0, "read-oem-data"},
+    {vendor::kReadOemData, "read-oem-data"},
     {vendor::kLedOfEndPoint, "led-end-point"},
     {vendor::kWriteSpi, "spi-write"},
     {vendor::kReadRegister, "read-pcie-register"},
@@ -74,7 +74,7 @@ constexpr auto kVendorNames = std::to_array<Name>({
     {vendor::kSwitchVpdTarget, "switch-vpd-target"},
     {vendor::kSetGpio, "gpio-setting"},
     {vendor::kSetDebugLevel, "debug-level"},
-    {0x13E0, "write-oem-data"},
+    {vendor::kWriteOemData, "write-oem-data"},
     {vendor::kTestI2c, "i2c-test"},
     {vendor::kSwitchProtection, "protection-area"},
     {vendor::kSetInverse, "set-inverse"},
@@ -99,10 +99,10 @@ constexpr auto kVendorNames = std::to_array<Name>({
     {vendor::kCreateNs, "create-ns"},
     {vendor::kReadNsSharing, "read-ns-sharing"},
     {vendor::kReadNsHealth, "ns-smart-log"},
-    {0x00FE, "read-spi-log"},
-    {0x02FE, "read-log-status"},
-    {0x03FE, "log-switch"},
-    {0x04FE, "read-events"},
+    {vendor::kReadLog, "read-spi-log"},
+    {vendor::kReadLogStatus, "read-log-status"},
+    {vendor::kSwitchLog, "log-switch"},
+    {vendor::kReadEvents, "read-events"},
 });
 
 const char* find(std::span<const Name> names, QRX_U16 code)

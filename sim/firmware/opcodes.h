@@ -39,6 +39,7 @@ inline constexpr QRX_U16 kReadAdapterInfo = 0x00E0;
 inline constexpr QRX_U16 kReadAdapterConfig = 0x01E0;
 inline constexpr QRX_U16 kWriteAdapterConfig = 0x02E0;
 inline constexpr QRX_U16 kSetTime = 0x03E0;
+inline constexpr QRX_U16 kReadOemData = 0x04E0;
 inline constexpr QRX_U16 kLedOfEndPoint = 0x07E0;
 inline constexpr QRX_U16 kWriteSpi = 0x08E0;
 inline constexpr QRX_U16 kReadRegister = 0x09E0;
@@ -50,6 +51,7 @@ inline constexpr QRX_U16 kReadHbaInfo = 0x0FE0;
 inline constexpr QRX_U16 kSwitchVpdTarget = 0x10E0;
 inline constexpr QRX_U16 kSetGpio = 0x11E0;
 inline constexpr QRX_U16 kSetDebugLevel = 0x12E0;
+inline constexpr QRX_U16 kWriteOemData = 0x13E0;
 inline constexpr QRX_U16 kTestI2c = 0x14E0;
 inline constexpr QRX_U16 kSwitchProtection = 0x15E0;
 inline constexpr QRX_U16 kSetInverse = 0x19E0;
@@ -74,6 +76,10 @@ inline constexpr QRX_U16 kSetNsSharing = 0x03E5;
 inline constexpr QRX_U16 kCreateNs = 0x04E5;
 inline constexpr QRX_U16 kReadNsSharing = 0x05E5;
 inline constexpr QRX_U16 kReadNsHealth = 0x08E5;
+inline constexpr QRX_U16 kReadLog = 0x00FE;
+inline constexpr QRX_U16 kReadLogStatus = 0x02FE;
+inline constexpr QRX_U16 kSwitchLog = 0x03FE;
+inline constexpr QRX_U16 kReadEvents = 0x04FE;
 }  // namespace vendor
 
 // Whether the opcode's two low bits say that data goes to the device, or comes from it.

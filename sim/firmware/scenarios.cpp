@@ -345,6 +345,68 @@ constexpr std::string_view kBoot = R"json({
 }
 )json";
 
+constexpr std::string_view kSeasoned = R"json({
+  "mount_table": [
+    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
+    "/dev/sda2 / ext4 rw,relatime 0 0",
+    "/dev/sda1 /boot vfat rw,relatime 0 0"
+  ],
+  "controllers": [
+    {
+      "number": 0,
+      "drives": [{"id": 0}, {"id": 1}],
+      "virtual_disks": [{"id": 0, "raid_mode": "raid1", "members": [0, 1]}],
+      "namespaces": [{"nsid": 1, "parent_id": 0}],
+      "event_ring": {"history": 1500}
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kScarred = R"json({
+  "mount_table": [
+    "proc /proc proc rw,nosuid,nodev,noexec,relatime 0 0",
+    "/dev/sda2 / ext4 rw,relatime 0 0",
+    "/dev/sda1 /boot vfat rw,relatime 0 0"
+  ],
+  "controllers": [
+    {
+      "number": 0,
+      "settings": {"debug_dump": true},
+      "drives": [{"id": 0}, {"id": 1}],
+      "virtual_disks": [{"id": 0, "raid_mode": "raid1", "members": [0, 1]}],
+      "namespaces": [{"nsid": 1, "parent_id": 0}],
+      "event_ring": {
+        "sequence": 9,
+        "page": 1,
+        "pages": [
+          {
+            "lines": [
+              "[SEQ]01[TIME]12[MSG]VD0_CREATED_NOTIFY",
+              "[SEQ]02[TIME]12[MSG",
+              "[SEQ]03[TIME]15[MSG]NS1_CREATED_NOTIFY",
+              "[SEQ]4444444444[TIME]20[MSG]NS1_ATTACH_NOTIFY",
+              "[SEQ]05[TIME]30[MSG]PD1_SETDOWN_\u001b[31mCRITICAL",
+              "[SEQ]06[TIME]30[MSG]VD0_DEGRADED_WARNINGWARNINGWARNINGWARNINGWARNING",
+              "?"
+            ]
+          },
+          {
+            "lines": [
+              "",
+              "[SEQ]08[TIME]1764547200[MSG]PD1_ONLINE_NOTIFY",
+              "\u0007\u0007\u0007",
+              "[SEQ]09[TIME]1764547201[MSG]VD0_REBUILD_START_NOTIFY\u0000[SEQ]10"
+            ]
+          }
+        ]
+      },
+      "spi_log": {"lines": ["[      1.000] boot", "", "\u0000\u0000[      2.000] \u001b[2Jcleared"]}
+    }
+  ]
+}
+)json";
+
 constexpr auto kScenarios = std::to_array<Scenario>({
     {"raid", "one controller, four drives, a RAID1 and a JBOD virtual disk with a namespace each, one drive free",
      kRaid},
@@ -360,6 +422,8 @@ constexpr auto kScenarios = std::to_array<Scenario>({
     {"importable", "a foreign virtual disk at /dev/nvme0, foreign namespace tables at /dev/nvme1 without RAID",
      kImportable},
     {"boot", "the first of two virtual disks holds /boot, at /dev/nvme0n1p1", kBoot},
+    {"seasoned", "a controller of long service: its event ring has wrapped", kSeasoned},
+    {"scarred", "some lines of the event ring and of the debug console are damaged", kScarred},
     {"none", "no controller at all", kNone},
     {"gallery", "four controllers that show what the others do not: every status, mode, activity and limit", kGallery},
 });

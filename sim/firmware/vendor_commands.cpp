@@ -46,6 +46,13 @@ VirtualDiskPlan plan_of(const nvme_admin_cmd& command)
 
 Completion Controller::vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data)
 {
+    const Completion completion = vendor_command(command, data);
+    log_refusal(command, completion);
+    return completion;
+}
+
+Completion Controller::vendor_command(const nvme_admin_cmd& command, std::span<QRX_U8> data)
+{
     switch (command.opcode) {
     case kVendorRead:
         return vendor_read(command, data);
@@ -81,6 +88,9 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         put(page, 0, hba_info());  // this one comes without an envelope
         return complete(status::kSuccess);
     }
+    case vendor::kReadOemData:
+        oem.read(data);  // nor has this one
+        return complete(status::kSuccess);
     case vendor::kReadPdInfo:
         return read_pd(command.cdw14, data);
     case vendor::kReadVdInfo:
@@ -97,6 +107,12 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return read_namespace_health(argument, data);
     case vendor::kGetInverse:
         return get_inverse(data);
+    case vendor::kReadLog:
+        return read_log(data);
+    case vendor::kReadLogStatus:
+        return read_log_status(data);
+    case vendor::kReadEvents:
+        return read_events(command.cdw13, command.cdw14, data);
     default: {
         const std::optional<Verdict> verdict = carry_out(command);
         return verdict ? complete(*verdict) : complete(status::kInvalidField);
@@ -109,9 +125,24 @@ Completion Controller::vendor_write(const nvme_admin_cmd& command, std::span<con
     switch (static_cast<QRX_U16>(command.cdw12)) {
     case vendor::kWriteSpi:
         return write_spi(command, data);
+    case vendor::kWriteOemData:
+        return write_oem_data(command, data);
     default:
         return complete(status::kInvalidField);
     }
+}
+
+Completion Controller::write_oem_data(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
+{
+    const QRX_U64 length = (QRX_U64{command.cdw10} + 1) * sizeof(QRX_U32);
+    if (length != data.size() || data.size() != OemStore::kSize) {
+        return complete(status::kInvalidField);
+    }
+    const Verdict verdict = oem.write(data);
+    if (verdict == Verdict::kGood) {
+        tell(Event::kAdapter, 0, "has new OEM data");
+    }
+    return complete(verdict);
 }
 
 std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
@@ -168,6 +199,8 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
         return initialize_namespaces(argument, command.cdw14);
     case vendor::kSetNsSharing:
         return set_sharing(argument, command.cdw14);
+    case vendor::kSwitchLog:
+        return switch_log(command.cdw14);
     case vendor::kCreateNs:
         return create_namespace(static_cast<QRX_U8>(argument), static_cast<QRX_U8>(argument >> 8),
                                 QRX_U64{command.cdw14} << 32 | command.cdw13);
@@ -256,10 +289,13 @@ Verdict Controller::set_config(QRX_U8 auto_rebuild_on, QRX_U8 rate)
                 vd.activity->stretch(rate_factor(before.rate), rate_factor(config.rate));
             }
         }
-        tell(Event::kAdapter, 0, std::string("has its background rate set to ") + rate_name(config.rate));
+        tell(Event::kAdapter, 0, std::string("has its background rate set to ") + rate_name(config.rate),
+             "_BGA_CHANGE");
     }
     if (config.auto_rebuild != before.auto_rebuild) {
-        tell(Event::kAdapter, 0, std::string("has auto rebuild switched ") + (config.auto_rebuild == 1 ? "on" : "off"));
+        const bool on = config.auto_rebuild == 1;
+        tell(Event::kAdapter, 0, std::string("has auto rebuild switched ") + (on ? "on" : "off"),
+             on ? "_AUTOREBUILD_ON" : "_AUTOREBUILD_OFF");
         auto_rebuild();
     }
     return verdict;

@@ -23,6 +23,8 @@ constexpr auto kRows = std::to_array<Row>({
     {"fail-drive", "<id>", ControlArgument::text},
     {"replace-drive", "<id>", ControlArgument::text},
     {"remove-drive", "<id>", ControlArgument::text},
+    {"oem-data", "<what>", ControlArgument::text},
+    {"hba-info", "<what>", ControlArgument::text},
     {"reset", "", ControlArgument::none},
     {"firmware", "", ControlArgument::none},
     {"events", "", ControlArgument::none},
@@ -193,6 +195,11 @@ Result<Controller*> find_controller(Machine& machine, std::optional<unsigned> nu
     return Failure{"there is no controller " + std::to_string(*number) + "; there are " + numbers};
 }
 
+Result<std::string> done(const ControlRequest& request, const std::optional<Failure>& failure)
+{
+    return failure ? Result<std::string>(Failure{request.command + ": " + failure->text}) : std::string();
+}
+
 Result<std::string> change_drive(Controller& controller, const ControlRequest& request)
 {
     const std::optional<unsigned> id = number_in(request.argument);
@@ -207,7 +214,7 @@ Result<std::string> change_drive(Controller& controller, const ControlRequest& r
     } else {
         failure = controller.remove_drive(*id);
     }
-    return failure ? Result<std::string>(Failure{request.command + ": " + failure->text}) : std::string();
+    return done(request, failure);
 }
 
 }  // namespace
@@ -281,6 +288,12 @@ Result<std::string> carry_out(Machine& machine, const ControlRequest& request)
     if (request.command == "events") {
         return list_events(**controller);
     }
+    if (request.command == "oem-data") {
+        return done(request, (*controller)->set_oem_data(request.argument));
+    }
+    if (request.command == "hba-info") {
+        return done(request, (*controller)->settings.set_damage(request.argument));
+    }
     return change_drive(**controller, request);
 }
 
@@ -295,6 +308,8 @@ another terminal give the socket that the other qrx_sim was started with, or the
   fail-drive <id>         make a drive fail
   replace-drive <id>      put a fresh drive in the place of another, or in an empty one
   remove-drive <id>       pull a drive
+  oem-data <what>         the OEM record: factory, erased, bad-signature, bad-checksum or bad-length
+  hba-info <what>         the stored settings: intact, bad-signature or bad-checksum
   reset                   take the controller's power away and give it back: new firmware runs
   firmware                what the firmware slots of controller and drives hold
   events                  what has happened, with the time since power-on

@@ -163,13 +163,13 @@ TEST(CommandTables, HoldTheseRows)
         }
         return names;
     };
-    EXPECT_EQ(
-        namesOf(generalCmdTableV1, generalCmdTableV1Size()),
-        (std::vector<std::string>{"?",    "help",  "adapter", "version", "smart", "flash", "info",     "import",
-                                  "init", "mp",    "rebuild", "debuglv", "get",   "set",   "passthru", "spi",
-                                  "vd",   "reset", "led",     "vpd",     "gpio",  "ns",    "identify", "inverse"}));
+    EXPECT_EQ(namesOf(generalCmdTableV1, generalCmdTableV1Size()),
+              (std::vector<std::string>{"?",    "help",  "adapter", "version",  "smart", "flash",    "log",
+                                        "info", "event", "import",  "init",     "mp",    "rebuild",  "debuglv",
+                                        "get",  "set",   "oemdata", "passthru", "spi",   "vd",       "reset",
+                                        "led",  "vpd",   "dumphba", "gpio",     "ns",    "identify", "inverse"}));
     EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()),
-              (std::vector<std::string>{"--debug", "reg", "qxf", "protect", "i2c", "sriov", "hotkey"}));
+              (std::vector<std::string>{"--debug", "reg", "qxf", "protect", "i2c", "sriov", "hotkey", "getoemdata"}));
 }
 
 TEST(CommandTables, DispatchThroughTheRealTables)

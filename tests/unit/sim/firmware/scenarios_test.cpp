@@ -70,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(All, EveryScenario, testing::ValuesIn(names()),
 TEST(Scenarios, AreThoseThatWePromise)
 {
     EXPECT_THAT(names(), ElementsAre("raid", "jbof", "pair", "degraded", "empty", "foreign", "sriov", "lab",
-                                     "importable", "boot", "none", "gallery"));
+                                     "importable", "boot", "seasoned", "scarred", "none", "gallery"));
     for (const Scenario& scenario : scenarios()) {
         EXPECT_FALSE(scenario.description.empty());
         EXPECT_EQ(scenario.description.find('\n'), std::string_view::npos);
@@ -81,7 +81,7 @@ TEST(Scenarios, AnUnknownNameIsAnsweredWithTheKnownOnes)
 {
     EXPECT_EQ(make_scenario("raids").error(),
               "unknown scenario 'raids'; allowed are 'raid', 'jbof', 'pair', 'degraded', 'empty', 'foreign', 'sriov', "
-              "'lab', 'importable', 'boot', 'none', 'gallery'");
+              "'lab', 'importable', 'boot', 'seasoned', 'scarred', 'none', 'gallery'");
 }
 
 std::vector<unsigned> numbers(Machine& machine)

@@ -377,7 +377,7 @@ TEST(VendorCommands, UnknownOnesAreAnInvalidFieldAndTouchNothing)
 TEST(VendorCommands, UnknownVendorOpcodesAreInvalid)
 {
     Rig rig("raid");
-    for (const int opcode : {0xC0, 0xC5, 0xC4, 0xFF}) {
+    for (const int opcode : {0xC0, 0xC6, 0xC4, 0xFF}) {
         nvme_admin_cmd command{};
         command.opcode = static_cast<QRX_U8>(opcode);
         EXPECT_EQ(rig.admin(command).status, 0x001U);
