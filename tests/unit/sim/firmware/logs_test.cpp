@@ -17,7 +17,6 @@ constexpr QRX_U32 kReadLog = 0x00FE;
 constexpr QRX_U32 kReadLogStatus = 0x02FE;
 constexpr QRX_U32 kSwitchLog = 0x03FE;
 constexpr QRX_U32 kReadEvents = 0x04FE;
-constexpr std::size_t kText = 40;
 
 std::vector<std::string> split(std::string_view text)
 {
