@@ -103,9 +103,9 @@ double heldKib()
 int main()
 {
     Device device = deviceOfRing();
-    const PDeviceManagement table = GetDeviceManagementInstance();
-    table->m_devs[0] = &device;
-    table->m_count = 1;
+    _DeviceManagement& table = *GetDeviceManagementInstance();
+    table.m_devs[0] = &device;
+    table.m_count = 1;
     gCurrentAdapter = 0;
 
     FILE* const report = fdopen(dup(fileno(stdout)), "w");

@@ -23,7 +23,7 @@ struct EventPage {
 struct EventRing {
     static constexpr QRX_U64 kSequences = 100000000;  // a sequence number has at most 8 digits
     static constexpr std::size_t kPageBytes = wire::kPageSize - kEventTextOffset;
-    static constexpr QRX_U32 kMostHistory = 100000;
+    static constexpr QRX_U32 kMostHistory = 10000;
 
     QRX_U64 sequence = 0;          // of the latest event; the first has 1
     QRX_U8 page = 0;               // that the latest event is in

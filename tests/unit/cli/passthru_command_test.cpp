@@ -179,8 +179,9 @@ TEST_F(PassthruCommand, AnOutputFileThatCannotBeOpenedStopsTheCommand)
 TEST_F(PassthruCommand, DataThatCannotBeWrittenIsNotLostInSilence)
 {
     machine.expect(from(0, 6).receives(4096).data(pattern(4096)));
-    EXPECT_EQ(command({"passthru", "-i0", "-o6", "-d4096", "-rread", "--outputfile", "/dev/full"}),
-              (Outcome{1, "passthru: cannot write '/dev/full': No space left on device\n" + done()}));
+    EXPECT_EQ(
+        command({"passthru", "-i0", "-o6", "-d4096", "-rread", "--outputfile", "/dev/full"}),
+        (Outcome{1, "passthru: cannot write '/dev/full': No space left on device; the file is incomplete\n" + done()}));
 }
 
 TEST_F(PassthruCommand, AFileForTheOtherDirectionIsNotUsed)

@@ -17,7 +17,6 @@ constexpr QRX_U32 kReadLog = 0x00FE;
 constexpr QRX_U32 kReadLogStatus = 0x02FE;
 constexpr QRX_U32 kSwitchLog = 0x03FE;
 constexpr QRX_U32 kReadEvents = 0x04FE;
-constexpr std::size_t kText = 40;
 
 std::vector<std::string> split(std::string_view text)
 {
@@ -342,7 +341,7 @@ TEST(Logs, AStateThatDoesNotFitTheFlashIsRefused)
     EXPECT_EQ(error(R"("event_ring": {"pages": [{"lines": [)" + lines + R"(""]}]})"),
               "x:1: 'lines' take more than 4056 bytes");
     EXPECT_EQ(error(R"("event_ring": {"page": 16})"), "x:1: 'page' is 16; allowed are 0 to 15");
-    EXPECT_EQ(error(R"("event_ring": {"history": 100001})"), "x:1: 'history' is 100001; allowed are 0 to 100000");
+    EXPECT_EQ(error(R"("event_ring": {"history": 10001})"), "x:1: 'history' is 10001; allowed are 0 to 10000");
 }
 
 }  // namespace
