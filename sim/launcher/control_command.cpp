@@ -23,6 +23,7 @@ constexpr auto kRows = std::to_array<Row>({
     {"fail-drive", "<id>", ControlArgument::text},
     {"replace-drive", "<id>", ControlArgument::text},
     {"remove-drive", "<id>", ControlArgument::text},
+    {"config-reads", "<id>=<answer>", ControlArgument::text},
     {"reset", "", ControlArgument::none},
     {"firmware", "", ControlArgument::none},
     {"events", "", ControlArgument::none},
@@ -193,6 +194,20 @@ Result<Controller*> find_controller(Machine& machine, std::optional<unsigned> nu
     return Failure{"there is no controller " + std::to_string(*number) + "; there are " + numbers};
 }
 
+Result<std::string> change_config_reads(Controller& controller, const ControlRequest& request)
+{
+    const std::string_view argument = request.argument;
+    const std::size_t equals = std::min(argument.find('='), argument.size());
+    const std::optional<unsigned> id = number_in(argument.substr(0, equals));
+    const auto answer = config_answer(argument.substr(std::min(equals + 1, argument.size())));
+    if (!id || !answer) {
+        return Failure{"config-reads: '" + request.argument + "' is no drive id, '=' and answer; answers are " +
+                       config_answers()};
+    }
+    const auto failure = controller.answer_config_reads(*id, *answer);
+    return failure ? Result<std::string>(Failure{"config-reads: " + failure->text}) : std::string();
+}
+
 Result<std::string> change_drive(Controller& controller, const ControlRequest& request)
 {
     const std::optional<unsigned> id = number_in(request.argument);
@@ -274,6 +289,9 @@ Result<std::string> carry_out(Machine& machine, const ControlRequest& request)
     if (request.command == "firmware") {
         return show_firmware(**controller);
     }
+    if (request.command == "config-reads") {
+        return change_config_reads(**controller, request);
+    }
     if (request.command == "reset") {
         (*controller)->reset();
         return std::string();
@@ -295,6 +313,9 @@ another terminal give the socket that the other qrx_sim was started with, or the
   fail-drive <id>         make a drive fail
   replace-drive <id>      put a fresh drive in the place of another, or in an empty one
   remove-drive <id>       pull a drive
+  config-reads <id>=<answer>
+                          how reads of a drive's configuration space end: data, unsupported-request, retry, timeout,
+                          abort, or none, never
   reset                   take the controller's power away and give it back: new firmware runs
   firmware                what the firmware slots of controller and drives hold
   events                  what has happened, with the time since power-on
