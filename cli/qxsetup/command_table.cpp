@@ -12,6 +12,7 @@
 #include "cli/Functions/passthru/passthru.h"
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
+#include "cli/Functions/simple/simple_eom.h"
 #include "cli/Functions/simple/simple_gpio.h"
 #include "cli/Functions/simple/simple_hotkey.h"
 #include "cli/Functions/simple/simple_i2c.h"
@@ -20,6 +21,7 @@
 #include "cli/Functions/simple/simple_inverse.h"
 #include "cli/Functions/simple/simple_led.h"
 #include "cli/Functions/simple/simple_ns.h"
+#include "cli/Functions/simple/simple_pcie.h"
 #include "cli/Functions/simple/simple_register.h"
 #include "cli/Functions/simple/simple_reset.h"
 #include "cli/Functions/simple/simple_switch.h"
@@ -73,6 +75,8 @@ Command_Info hiddenCmdTableV1[] = {
     row("qxf", doSQXF, simple_qxf_help, ":For control manufacture flash tool"),
     row("protect", doSProtect, simple_protect_help, ":For control protection area"),
     row("i2c", doSi2c, simple_i2c_help, ":For test i2c device"),
+    row("pcie", doSpcie, simple_pcie_help, ":For get PCIe information from backend device"),
+    row("eom", doSeom, simple_eom_help, ":Draw RC/EP EOM eye pattern"),
     row("sriov", doSSRIOV, simple_sriov_help, ":For control SRIOV feature"),
     row("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
 };

@@ -169,7 +169,7 @@ TEST(CommandTables, HoldTheseRows)
                                   "init", "mp",    "rebuild", "debuglv", "get",   "set",   "passthru", "spi",
                                   "vd",   "reset", "led",     "vpd",     "gpio",  "ns",    "identify", "inverse"}));
     EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()),
-              (std::vector<std::string>{"--debug", "reg", "qxf", "protect", "i2c", "sriov", "hotkey"}));
+              (std::vector<std::string>{"--debug", "reg", "qxf", "protect", "i2c", "pcie", "eom", "sriov", "hotkey"}));
 }
 
 TEST(CommandTables, DispatchThroughTheRealTables)
