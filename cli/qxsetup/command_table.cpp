@@ -13,6 +13,7 @@
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Functions/simple/simple_dumphba.h"
+#include "cli/Functions/simple/simple_eom.h"
 #include "cli/Functions/simple/simple_event.h"
 #include "cli/Functions/simple/simple_gpio.h"
 #include "cli/Functions/simple/simple_hotkey.h"
@@ -24,6 +25,7 @@
 #include "cli/Functions/simple/simple_log.h"
 #include "cli/Functions/simple/simple_ns.h"
 #include "cli/Functions/simple/simple_oemdata.h"
+#include "cli/Functions/simple/simple_pcie.h"
 #include "cli/Functions/simple/simple_register.h"
 #include "cli/Functions/simple/simple_reset.h"
 #include "cli/Functions/simple/simple_switch.h"
@@ -81,6 +83,8 @@ Command_Info hiddenCmdTableV1[] = {
     row("qxf", doSQXF, simple_qxf_help, ":For control manufacture flash tool"),
     row("protect", doSProtect, simple_protect_help, ":For control protection area"),
     row("i2c", doSi2c, simple_i2c_help, ":For test i2c device"),
+    row("pcie", doSpcie, simple_pcie_help, ":For get PCIe information from backend device"),
+    row("eom", doSeom, simple_eom_help, ":Draw RC/EP EOM eye pattern"),
     row("sriov", doSSRIOV, simple_sriov_help, ":For control SRIOV feature"),
     row("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
     row("getoemdata", doSGetOEMdata, simple_getoemdata_help, ":For read OEM data."),

@@ -64,6 +64,10 @@ public:
     [[nodiscard]] const Drive* find_drive(QRX_U32 id) const;
     [[nodiscard]] const VirtualDisk* find_virtual_disk(QRX_U32 id) const;
     [[nodiscard]] bool assigned(QRX_U16 pd) const;
+    // What the adapter says of a PCIe interface, or null where there is none.
+    [[nodiscard]] const PciePort* port_of(QRX_U8 interface) const;
+    // What a configuration read over an interface finds, or null where it finds no drive.
+    [[nodiscard]] const ConfigSpace* config_space_behind(QRX_U8 interface) const;
 
     // What happens to drives in a lab; nothing when it could be done, else why not.
     std::optional<Failure> fail_drive(QRX_U32 id);
@@ -72,6 +76,8 @@ public:
     // Pulls it, if it is there, and plugs in a fresh one of the same kind with the same id.
     std::optional<Failure> replace_drive(QRX_U32 id);
 
+    // How reads of a drive's configuration space end from now on.
+    std::optional<Failure> answer_config_reads(QRX_U32 id, ConfigSpace::Answer answer);
     // Makes the OEM store hold what the controller left its factory with, or spoils it as OemStore::spoil does.
     std::optional<Failure> set_oem_data(std::string_view what);
 
@@ -113,9 +119,7 @@ private:
     Completion write_oem_data(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     Completion read_namespace_health(QRX_U16 nsid, std::span<QRX_U8> data) const;
 
-    // Registers. What adapter says of an interface, or null where there is none.
-    [[nodiscard]] const PciePort* port_of(QRX_U8 interface) const;
-    // The interface, made if need be.
+    // Registers. The interface, made if need be.
     [[nodiscard]] PcieInterface& interface_at(QRX_U8 id);
     Completion read_register(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     Verdict write_register(const nvme_admin_cmd& command);

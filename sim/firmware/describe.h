@@ -32,6 +32,8 @@ void describe(Io& io, Board& board);
 template <class Io>
 void describe(Io& io, PcieInterface& interface, const Controller& controller);
 template <class Io>
+void describe(Io& io, ConfigSpace& space);
+template <class Io>
 void describe_activity(Io& io, std::optional<BackgroundActivity>& activity);
 template <class Io>
 void describe(Io& io, Drive& drive, const Controller& controller);

@@ -1,4 +1,4 @@
-// The text form of a controller's board, and of the registers behind its PCIe interfaces.
+// The text form of a controller's board.
 #include <algorithm>
 #include <tuple>
 
@@ -56,35 +56,7 @@ void describe(Io& io, Board& board)
     board.write_spi(spi);
 }
 
-template <class Io>
-void describe(Io& io, PcieInterface& interface, const Controller& controller)
-{
-    struct Register {
-        QRX_U32 address = 0;
-        QRX_U32 value = 0;
-    };
-    io.number("id", interface.id, 0, kAny8);
-    const auto& others = controller.interfaces;
-    io.check(!Io::kReads || std::none_of(others.begin(), others.end() - 1,
-                                         [&](const PcieInterface& other) { return other.id == interface.id; }),
-             "id", "is the id of an earlier interface");
-    std::vector<Register> registers;
-    for (const auto& [address, value] : interface.registers) {
-        registers.push_back({address, value});
-    }
-    io.list("registers", registers, PcieInterface::kMostRegisters, [&](auto& inner, Register& entry) {
-        inner.number("address", entry.address, 0, kAny32);
-        inner.check(entry.address % 4 == 0, "address", "is no multiple of 4");
-        inner.number("value", entry.value, 1, kAny32);
-        if (Io::kReads && !inner.failed()) {
-            inner.check(interface.registers.emplace(entry.address, entry.value).second, "address", "occurs twice");
-        }
-    });
-}
-
 template void describe(JsonReader&, Board&);
 template void describe(JsonWriter&, Board&);
-template void describe(JsonReader&, PcieInterface&, const Controller&);
-template void describe(JsonWriter&, PcieInterface&, const Controller&);
 
 }  // namespace qrx::sim

@@ -72,6 +72,16 @@ std::optional<Failure> Controller::fail_drive(QRX_U32 id)
     return std::nullopt;
 }
 
+std::optional<Failure> Controller::answer_config_reads(QRX_U32 id, ConfigSpace::Answer answer)
+{
+    Drive* const drive = drive_of(id);
+    if (drive == nullptr) {
+        return no_such_drive(*this, id);
+    }
+    drive->config_space.answer = answer;
+    return std::nullopt;
+}
+
 std::optional<Failure> Controller::remove_drive(QRX_U32 id)
 {
     const Drive* const drive = find_drive(id);

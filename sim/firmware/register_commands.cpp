@@ -37,6 +37,18 @@ const PciePort* Controller::port_of(QRX_U8 interface) const
     return nullptr;
 }
 
+const ConfigSpace* Controller::config_space_behind(QRX_U8 interface) const
+{
+    static constexpr ConfigSpace kDead{.answer = ConfigSpace::kTimeout};
+    const auto found = std::find_if(drives.begin(), drives.end(), [interface](const Drive& drive) {
+        return drive.slot + PcieInterface::kFirstRootComplex == interface;
+    });
+    if (found == drives.end() || !board.reachable(found->id)) {
+        return nullptr;  // the link is down
+    }
+    return found->failed ? &kDead : &found->config_space;
+}
+
 PcieInterface& Controller::interface_at(QRX_U8 id)
 {
     const auto place = std::find_if(interfaces.begin(), interfaces.end(),
@@ -72,7 +84,9 @@ Verdict Controller::write_register(const nvme_admin_cmd& command)
     if (port_of(id) == nullptr || command.cdw13 % sizeof(QRX_U32) != 0) {
         return Verdict::kInvalidParameter;
     }
-    return is_link_status(id, command.cdw13) ? Verdict::kGood : interface_at(id).write(command.cdw13, command.cdw14);
+    return is_link_status(id, command.cdw13)
+               ? Verdict::kGood
+               : interface_at(id).write(command.cdw13, command.cdw14, config_space_behind(id));
 }
 
 }  // namespace qrx::sim

@@ -25,6 +25,7 @@ constexpr auto kRows = std::to_array<Row>({
     {"remove-drive", "<id>", ControlArgument::text},
     {"oem-data", "<what>", ControlArgument::text},
     {"hba-info", "<what>", ControlArgument::text},
+    {"config-reads", "<id>=<answer>", ControlArgument::text},
     {"reset", "", ControlArgument::none},
     {"firmware", "", ControlArgument::none},
     {"events", "", ControlArgument::none},
@@ -200,6 +201,20 @@ Result<std::string> done(const ControlRequest& request, const std::optional<Fail
     return failure ? Result<std::string>(Failure{request.command + ": " + failure->text}) : std::string();
 }
 
+Result<std::string> change_config_reads(Controller& controller, const ControlRequest& request)
+{
+    const std::string_view argument = request.argument;
+    const std::size_t equals = std::min(argument.find('='), argument.size());
+    const std::optional<unsigned> id = number_in(argument.substr(0, equals));
+    const auto answer = config_answer(argument.substr(std::min(equals + 1, argument.size())));
+    if (!id || !answer) {
+        return Failure{"config-reads: '" + request.argument + "' is no drive id, '=' and answer; answers are " +
+                       config_answers()};
+    }
+    const auto failure = controller.answer_config_reads(*id, *answer);
+    return failure ? Result<std::string>(Failure{"config-reads: " + failure->text}) : std::string();
+}
+
 Result<std::string> change_drive(Controller& controller, const ControlRequest& request)
 {
     const std::optional<unsigned> id = number_in(request.argument);
@@ -281,6 +296,9 @@ Result<std::string> carry_out(Machine& machine, const ControlRequest& request)
     if (request.command == "firmware") {
         return show_firmware(**controller);
     }
+    if (request.command == "config-reads") {
+        return change_config_reads(**controller, request);
+    }
     if (request.command == "reset") {
         (*controller)->reset();
         return std::string();
@@ -310,6 +328,9 @@ another terminal give the socket that the other qrx_sim was started with, or the
   remove-drive <id>       pull a drive
   oem-data <what>         the OEM record: factory, erased, bad-signature, bad-checksum or bad-length
   hba-info <what>         the stored settings: intact, bad-signature or bad-checksum
+  config-reads <id>=<answer>
+                          how reads of a drive's configuration space end: data, unsupported-request, retry, timeout,
+                          abort, or none, never
   reset                   take the controller's power away and give it back: new firmware runs
   firmware                what the firmware slots of controller and drives hold
   events                  what has happened, with the time since power-on

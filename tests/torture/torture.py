@@ -5,6 +5,8 @@
 
 Each run has a directory to itself, with a file `image` of --image bytes in it.
 
+With --dense a command of very many steps is tried at its first ones, and at some of the others.
+
 Asked of each run: it ends by itself within the time limit, by no signal, and without a word from a sanitizer or from
 the C++ library's last resort. A run that does not is printed with the flags that repeat it alone.
 """
@@ -33,6 +35,14 @@ DEVICE_FAULTS = {
     "empty": "short=0",
     "corrupt": "corrupt",
 }
+
+
+def counts(dense):
+    """1, 2, 3, ...; beyond `dense`, if it is not 0, each half as large again as the one before."""
+    nth = 1
+    while nth < MOST_RUNS:
+        yield nth
+        nth += 1 if not dense or nth < dense else nth // 2
 
 
 class Trouble(Exception):
@@ -92,6 +102,7 @@ def main():
     parser.add_argument("--image", type=int, default=0, help="bytes of the file `image` (default: 0)")
     parser.add_argument("--only", help="this kind of failure alone")
     parser.add_argument("--nth", type=int, help="this one run alone")
+    parser.add_argument("--dense", type=int, default=0, help="try each up to this one, from there on fewer and fewer")
     parser.add_argument("what", choices=KINDS)
     parser.add_argument("command", help="the command with its options, as one word")
     arguments = parser.parse_args()
@@ -102,7 +113,7 @@ def main():
     failed = False
     for kind in [arguments.only] if arguments.only else kinds:
         came = 0
-        for nth in [arguments.nth] if arguments.nth else range(1, MOST_RUNS):
+        for nth in [arguments.nth] if arguments.nth else counts(arguments.dense):
             try:
                 if not one_run(bin_dir, arguments, shlex.split(arguments.command), kind, nth, environment):
                     break

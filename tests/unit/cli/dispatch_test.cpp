@@ -169,7 +169,8 @@ TEST(CommandTables, HoldTheseRows)
                                         "get",  "set",   "oemdata", "passthru", "spi",   "vd",       "reset",
                                         "led",  "vpd",   "dumphba", "gpio",     "ns",    "identify", "inverse"}));
     EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()),
-              (std::vector<std::string>{"--debug", "reg", "qxf", "protect", "i2c", "sriov", "hotkey", "getoemdata"}));
+              (std::vector<std::string>{"--debug", "reg", "qxf", "protect", "i2c", "pcie", "eom", "sriov", "hotkey",
+                                        "getoemdata"}));
 }
 
 TEST(CommandTables, DispatchThroughTheRealTables)
