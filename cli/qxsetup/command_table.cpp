@@ -13,12 +13,27 @@
 #include "cli/Functions/passthru/passthru.h"
 #include "cli/Functions/simple/simple_bga.h"
 #include "cli/Functions/simple/simple_config.h"
+#include "cli/Functions/simple/simple_dumphba.h"
+#include "cli/Functions/simple/simple_eom.h"
+#include "cli/Functions/simple/simple_event.h"
+#include "cli/Functions/simple/simple_gpio.h"
 #include "cli/Functions/simple/simple_hotkey.h"
+#include "cli/Functions/simple/simple_i2c.h"
 #include "cli/Functions/simple/simple_import.h"
 #include "cli/Functions/simple/simple_info.h"
+#include "cli/Functions/simple/simple_inverse.h"
+#include "cli/Functions/simple/simple_led.h"
+#include "cli/Functions/simple/simple_log.h"
 #include "cli/Functions/simple/simple_ns.h"
+#include "cli/Functions/simple/simple_oemdata.h"
+#include "cli/Functions/simple/simple_pcie.h"
+#include "cli/Functions/simple/simple_register.h"
+#include "cli/Functions/simple/simple_reset.h"
+#include "cli/Functions/simple/simple_switch.h"
 #include "cli/Functions/simple/simple_vd.h"
+#include "cli/Functions/simple/simple_vpd.h"
 #include "cli/Functions/smart/smart.h"
+#include "cli/Functions/spi/spi.h"
 #include "cli/Functions/standard/identify.h"
 #include "cli/Functions/standard/mi_passthruread.h"
 #include "cli/Functions/standard/mi_passthruwrite.h"
@@ -42,8 +57,10 @@ Command_Info generalCmdTableV1[] = {
     row("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
     row("smart", doSmart, smart_help, ":Get SSD backend RC/Slot SMART info."),
     row("flash", doFlash, flash_help, ":Update flash image."),
+    row("log", doSLog, simple_log_help, ":For show/on/off SPI log"),
     row("info", doSInfo, simple_info_help,
         ":For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) or Namespace(ns) information."),
+    row("event", doSEvent, simple_event_help, ":For getting event from NVMe Controller."),
     row("import", doSImport, simple_import_help, ":For import VD"),
     row("init", doSINIT, simple_init_help, ":For start or stop VD initialization."),
     row("mp", doSMP, simple_mp_help, ":For start or stop media patrol for a virtual disk."),
@@ -52,10 +69,18 @@ Command_Info generalCmdTableV1[] = {
     row("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
     row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
     row("vpdwrite", doVPDWrite, vpdwrite_help, ":Write VPD via standard MI-Send"),
+    row("oemdata", doSOEMdata, simple_oemdata_help, ":For write OEM data."),
     row("passthru", doPassthru, passthru_help, ":Passthrough NVMe admin command to backend device"),
+    row("spi", doSPI, spi_help, ":Read and write SPI data. Maximal size of SPI data is 4096 bytes."),
     row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
+    row("reset", doSReset, simple_reset_help, simple_reset_short_help),
+    row("led", doSLed, simple_led_help, ":For control LED of device"),
+    row("vpd", doSVPD, simple_vpd_help, ":For switch VPD access target"),
+    row("dumphba", doSDUMPHBA, simple_dumphba_help, ":For dump hba info data structure"),
+    row("gpio", doSGPIO, simple_gpio_help, ":For GPIO setting in HBA info (Only for GPIO 4 to 7)"),
     row("ns", doSNS, simple_ns_help, ":For namespace management"),
     row("identify", doIdentify, identify_help, ":Get controller identify info."),
+    row("inverse", doInverse, simple_inverse_help, ":For GPIO 8,9,10 and 11 inverse control."),
     row("vpdread", doVPDRead, vpdread_help, ":Read VPD via standard MI-Send and MI-Receive"),
 };
 
@@ -63,7 +88,15 @@ Command_Info hiddenCmdTableV1[] = {
     row("--debug", doDebug, debug_help, debug_sh),
     row("gen", doGen, gen_help,
         ":Using for generate PRP data which file name is prp_data and size is 4K for nvme standard admin command"),
+    row("reg", doSReg, simple_reg_help, ":For read and write PCIe register. Maximal size of data is 4 bytes."),
+    row("qxf", doSQXF, simple_qxf_help, ":For control manufacture flash tool"),
+    row("protect", doSProtect, simple_protect_help, ":For control protection area"),
+    row("i2c", doSi2c, simple_i2c_help, ":For test i2c device"),
+    row("pcie", doSpcie, simple_pcie_help, ":For get PCIe information from backend device"),
+    row("eom", doSeom, simple_eom_help, ":Draw RC/EP EOM eye pattern"),
+    row("sriov", doSSRIOV, simple_sriov_help, ":For control SRIOV feature"),
     row("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
+    row("getoemdata", doSGetOEMdata, simple_getoemdata_help, ":For read OEM data."),
     row("mi_passthruread", doMIPassthruRead, mi_passthruread_help,
         ":Read pass-through command via standard MI-Send and MI-Receive"),
     row("mi_passthruwrite", doMIPassthruWrite, mi_passthruwrite_help, ":Write pass-through command via standard MI-Send"),

@@ -24,6 +24,13 @@ std::string pd_name(QRX_U32 pd)
     return "PD " + std::to_string(pd);
 }
 
+// The ring's word for what became of an activity; empty for an activity that it does not know.
+std::string word_of(QRX_U8 type, const char* end)
+{
+    const std::string word = activity_word(type);
+    return word.empty() ? word : word + end;
+}
+
 bool redundant(const VirtualDisk& vd)
 {
     const RaidRule* const rule = find_raid_rule(vd.raid_mode);
@@ -93,13 +100,13 @@ void Controller::update_status(VirtualDisk& vd)
     if (vd.status != before) {
         switch (vd.status) {
         case kVdOffline:
-            tell(Event::kVd, vd.id, "is offline");
+            tell(Event::kVd, vd.id, "is offline", "_OFFLINE", QRX_NVME_EVT_SEVERITY_CRITICAL);
             break;
         case kVdDegrade:
-            tell(Event::kVd, vd.id, "is degraded");
+            tell(Event::kVd, vd.id, "is degraded", "_DEGRADED", QRX_NVME_EVT_SEVERITY_WARNING);
             break;
         case kVdFunctional:
-            tell(Event::kVd, vd.id, "is functional");
+            tell(Event::kVd, vd.id, "is functional", "_ONLINE");
             break;
         default:
             break;
@@ -148,7 +155,7 @@ Verdict Controller::start_initialization(QRX_U32 id, QRX_U16 type)
     start_activity(*vd, static_cast<QRX_U8>(type));
     vd->status = kVdInitialization;
     vd->initialized = false;
-    tell(Event::kVd, vd->id, std::string(activity_name(vd->activity->type)) + " started");
+    tell(Event::kVd, vd->id, std::string(activity_name(vd->activity->type)) + " started", "_INIT_START");
     return Verdict::kGood;
 }
 
@@ -174,7 +181,7 @@ Verdict Controller::start_media_patrol(QRX_U32 id)
         return Verdict::kNotInitialized;
     }
     start_activity(*vd, QRX_NVME_BGA_TYPE_VD_MEDIAPATROL);
-    tell(Event::kVd, vd->id, "media patrol started");
+    tell(Event::kVd, vd->id, "media patrol started", "_MP_START");
     return Verdict::kGood;
 }
 
@@ -227,14 +234,14 @@ Verdict Controller::start_rebuild(QRX_U32 id, QRX_U32 pd)
     vd->rebuild_target = static_cast<QRX_U16>(pd);
     start_activity(*vd, QRX_NVME_BGA_TYPE_VD_REBUILD);
     drive_of(pd)->importable = false;
-    tell(Event::kVd, vd->id, "rebuild onto " + pd_name(pd) + " started");
+    tell(Event::kVd, vd->id, "rebuild onto " + pd_name(pd) + " started", "_REBUILD_START");
     update_status(*vd);
     return Verdict::kGood;
 }
 
 Verdict Controller::start_drive_patrol(QRX_U32 pd)
 {
-    Drive* const drive = drive_of(pd);
+    Drive* const drive = reachable_drive(pd);
     if (drive == nullptr) {
         return Verdict::kInvalidPd;
     }
@@ -271,7 +278,7 @@ Verdict Controller::control_vd_activity(QRX_U32 id, QRX_U16 operation)
         return verdict;
     }
     if (operation == QRX_NVME_BGA_OPERATION_ABORT) {
-        abort_activity(*vd, "by command");
+        abort_activity(*vd, "by command", true);
         update_status(*vd);
     } else {
         tell(Event::kVd, vd->id,
@@ -295,10 +302,12 @@ Verdict Controller::control_pd_activity(QRX_U32 pd, QRX_U16 operation)
     return verdict;
 }
 
-void Controller::abort_activity(VirtualDisk& vd, const std::string& why)
+void Controller::abort_activity(VirtualDisk& vd, const std::string& why, bool wanted)
 {
     tell(Event::kVd, vd.id,
-         std::string(activity_name(vd.activity->type)) + " stopped at " + percent(*vd.activity) + ": " + why);
+         std::string(activity_name(vd.activity->type)) + " stopped at " + percent(*vd.activity) + ": " + why,
+         word_of(vd.activity->type, wanted ? "_ABORT" : "_TERMINATED"),
+         wanted ? QRX_NVME_EVT_SEVERITY_NOTIFY : QRX_NVME_EVT_SEVERITY_WARNING);
     vd.activity.reset();
     // What a rebuild has written so far is worth nothing; its target is free again.
     std::replace(vd.members.begin(), vd.members.end(), vd.rebuild_target, kMissingMember);
@@ -317,18 +326,19 @@ void Controller::finish_activity(VirtualDisk& vd)
     case QRX_NVME_BGA_TYPE_VD_INIT_BACKGROUND:
         vd.initialized = vd.initialized || type == QRX_NVME_BGA_TYPE_VD_INIT_BACKGROUND;
         vd.status = vd.status == kVdInitialization ? kVdFunctional : vd.status;
-        tell(Event::kVd, vd.id, std::string(activity_name(type)) + " done");
+        tell(Event::kVd, vd.id, std::string(activity_name(type)) + " done", word_of(type, "_COMPLETE"));
         break;
     case QRX_NVME_BGA_TYPE_VD_REBUILD:
         tell(Event::kVd, vd.id,
              vd.rebuild_target == kMissingMember ? "rebuild done"
-                                                 : "rebuild onto " + pd_name(vd.rebuild_target) + " done");
+                                                 : "rebuild onto " + pd_name(vd.rebuild_target) + " done",
+             word_of(type, "_COMPLETE"));
         vd.rebuild_target = kMissingMember;
         update_status(vd);
         auto_rebuild();
         break;
     default:
-        tell(Event::kVd, vd.id, std::string(activity_name(type)) + " done");
+        tell(Event::kVd, vd.id, std::string(activity_name(type)) + " done", word_of(type, "_COMPLETE"));
         break;
     }
 }

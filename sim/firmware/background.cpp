@@ -18,6 +18,16 @@ Clock::Duration BackgroundActivity::left() const
     return running() ? Clock::Duration(finished() ? 0 : duration - elapsed) : Clock::Duration::max();
 }
 
+Clock::Duration BackgroundActivity::left_of_tenth() const
+{
+    if (!running() || finished()) {
+        return left();
+    }
+    const QRX_U64 tenth = percentage() / 10U + 1;
+    const QRX_U64 end = duration / 10 * tenth + (duration % 10 * tenth + 9) / 10;
+    return Clock::Duration(end > elapsed ? end - elapsed : 1);
+}
+
 void BackgroundActivity::stretch(QRX_U64 from, QRX_U64 to)
 {
     const auto scaled = [from, to](QRX_U64 value) { return value / from * to + value % from * to / from; };
@@ -83,6 +93,21 @@ const char* activity_name(QRX_U8 type)
         return "media patrol";
     default:
         return "activity";
+    }
+}
+
+const char* activity_word(QRX_U8 type)
+{
+    switch (type) {
+    case QRX_NVME_BGA_TYPE_VD_INIT_QUICK:
+    case QRX_NVME_BGA_TYPE_VD_INIT_BACKGROUND:
+        return "_INIT";
+    case QRX_NVME_BGA_TYPE_VD_REBUILD:
+        return "_REBUILD";
+    case QRX_NVME_BGA_TYPE_VD_MEDIAPATROL:
+        return "_MP";
+    default:
+        return "";
     }
 }
 

@@ -18,6 +18,8 @@ struct BackgroundActivity {
     [[nodiscard]] bool finished() const { return elapsed >= duration; }
     // Simulated time until it is done; the longest there is while it does not run.
     [[nodiscard]] Clock::Duration left() const;
+    // The same until the next tenth of it is done.
+    [[nodiscard]] Clock::Duration left_of_tenth() const;
     [[nodiscard]] QRX_U8 percentage() const;
     // Makes it `to` / `from` times as long, with the same share of it done.
     void stretch(QRX_U64 from, QRX_U64 to);
@@ -31,6 +33,9 @@ struct BackgroundActivity {
 
 // The milliseconds that an activity takes which goes over `bytes` of every member.
 [[nodiscard]] QRX_U64 activity_duration(QRX_U8 type, QRX_U64 bytes, QRX_U8 rate);
+
+// "_INIT", "_MP", ...: what the event ring calls an activity of a virtual disk; empty for what it does not know.
+[[nodiscard]] const char* activity_word(QRX_U8 type);
 
 // "initialization", "media patrol", ...
 [[nodiscard]] const char* activity_name(QRX_U8 type);

@@ -10,7 +10,7 @@ namespace qrx::sim {
 namespace {
 
 constexpr auto kOpcodes =
-    std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead),
+    std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead), static_cast<QRX_U8>(kVendorWrite),
                            static_cast<QRX_U8>(kTunnelFromDrive), static_cast<QRX_U8>(kTunnelToDrive)});
 
 }  // namespace
@@ -77,8 +77,47 @@ NVME_NS_Info Controller::ns_record(const Namespace& ns) const
     return ns.record(parent != nullptr ? parent->status : kVdFunctional);
 }
 
+NvmeFunction::Identity Controller::identity() const
+{
+    Identity own = NvmeFunction::identity();
+    if (auto stored = oem.identity()) {
+        // A name that the firmware made of the serial number follows it.
+        if (!own.serial.empty() && own.subnqn.ends_with(own.serial)) {
+            own.subnqn.replace(own.subnqn.size() - own.serial.size(), std::string::npos, stored->serial);
+        }
+        own.subsystem_vendor_id = stored->subsystem_vendor_id;
+        own.serial = std::move(stored->serial);
+        own.model = std::move(stored->model);
+    }
+    return own;
+}
+
+NVME_Adapter_Info Controller::adapter_record() const
+{
+    NVME_Adapter_Info info = adapter.record(address);
+    if (!board.sriov) {
+        info.VisibleVfNum[0] = 0;
+        info.VisibleVfNum[1] = 0;
+    }
+    if (const auto stored = oem.identity()) {
+        info.SVID = stored->subsystem_vendor_id;
+        info.SDID = stored->subsystem_device_id;
+    }
+    return info;
+}
+
+std::optional<Failure> Controller::set_oem_data(std::string_view what)
+{
+    if (what != "factory") {
+        return oem.spoil(what);
+    }
+    oem.make({adapter.subsystem_vendor_id, adapter.subsystem_device_id, serial, model});
+    return std::nullopt;
+}
+
 _hba_info Controller::hba_info() const
 {
+    const NVME_Adapter_Info told = adapter_record();
     _hba_info info{};
     settings.fill(info);
     info.raid.Raid_Setting.Auto_Rebuild_On = config.auto_rebuild;
@@ -87,10 +126,10 @@ _hba_info Controller::hba_info() const
     info.raid.Raid_Setting.RAID_Mode = adapter.raid() ? 1 : 0;
     info.adatper.vendor_id = vendor_id;
     info.adatper.device_id = device_id;
-    info.adatper.subvendor_id = adapter.subsystem_vendor_id;
-    info.adatper.subdevice_id = adapter.subsystem_device_id;
-    pad_with_blanks(info.adatper.id_ctrl_sn, serial);
-    seal(info);
+    info.adatper.subvendor_id = told.SVID;
+    info.adatper.subdevice_id = told.SDID;
+    pad_with_blanks(info.adatper.id_ctrl_sn, identity().serial);
+    settings.seal(info);
     return info;
 }
 
@@ -135,9 +174,11 @@ bool Controller::in_service(const Namespace& ns) const
 {
     if (ns.parent_kind == kNsParentVd) {
         const VirtualDisk* const vd = find_virtual_disk(ns.parent);
-        return vd != nullptr && vd->online();
+        // I/O waits for a member that has lost its power, as it would for one that is slow: it may come back.
+        return vd != nullptr && vd->online() &&
+               std::all_of(vd->members.begin(), vd->members.end(), [this](QRX_U16 pd) { return board.reachable(pd); });
     }
-    const Drive* const drive = find_drive(ns.parent);
+    const Drive* const drive = reachable_drive(ns.parent);
     return drive != nullptr && !drive->failed;
 }
 
@@ -148,7 +189,7 @@ Clock::Duration Controller::next_change() const
         next = drive.activity ? std::min(next, drive.activity->left()) : next;
     }
     for (const VirtualDisk& vd : virtual_disks) {
-        next = vd.activity ? std::min(next, vd.activity->left()) : next;
+        next = vd.activity ? std::min(next, vd.activity->left_of_tenth()) : next;
     }
     return next;
 }
@@ -160,7 +201,9 @@ void Controller::advance_back_end(Clock::Duration passed)
     }
     for (VirtualDisk& vd : virtual_disks) {
         if (vd.activity) {
+            const unsigned before = vd.activity->percentage();
             vd.activity->advance(passed);
+            tell_progress(vd, before, vd.activity->percentage());
             if (vd.activity->finished()) {
                 finish_activity(vd);
             }

@@ -7,13 +7,18 @@
 #include <vector>
 
 #include "sim/firmware/adapter.h"
+#include "sim/firmware/board.h"
 #include "sim/firmware/drive.h"
 #include "sim/firmware/event_list.h"
+#include "sim/firmware/event_ring.h"
 #include "sim/firmware/hba_settings.h"
 #include "sim/firmware/management_endpoint.h"
 #include "sim/firmware/nvme_function.h"
+#include "sim/firmware/oem_store.h"
 #include "sim/firmware/pair_mailbox.h"
+#include "sim/firmware/pcie_interface.h"
 #include "sim/firmware/result.h"
+#include "sim/firmware/spi_log.h"
 #include "sim/firmware/virtual_disk.h"
 #include "sim/firmware/vpd.h"
 
@@ -47,12 +52,17 @@ public:
     Adapter adapter;
     AdapterConfig config;
     HbaSettings settings;
+    Board board;
+    OemStore oem;                            // goes before what the fields of the function and the adapter say
     std::vector<Drive> drives;               // in order of id
     std::vector<VirtualDisk> virtual_disks;  // in order of id
     PairMailbox mailbox;
     Vpd vpd;
     ManagementEndpoint endpoint;
+    std::vector<PcieInterface> interfaces;  // those that differ from a fresh one, in order of id
     EventList events;
+    EventRing ring;
+    SpiLog spi_log;
     QRX_U64 namespaces_made = 0;  // since the start, so that no two have the same identifiers
 
     friend bool operator==(const Controller&, const Controller&) = default;
@@ -60,6 +70,10 @@ public:
     [[nodiscard]] const Drive* find_drive(QRX_U32 id) const;
     [[nodiscard]] const VirtualDisk* find_virtual_disk(QRX_U32 id) const;
     [[nodiscard]] bool assigned(QRX_U16 pd) const;
+    // What the adapter says of a PCIe interface, or null where there is none.
+    [[nodiscard]] const PciePort* port_of(QRX_U8 interface) const;
+    // What a configuration read over an interface finds, or null where it finds no drive.
+    [[nodiscard]] const ConfigSpace* config_space_behind(QRX_U8 interface) const;
 
     // What happens to drives in a lab; nothing when it could be done, else why not.
     std::optional<Failure> fail_drive(QRX_U32 id);
@@ -68,7 +82,15 @@ public:
     // Pulls it, if it is there, and plugs in a fresh one of the same kind with the same id.
     std::optional<Failure> replace_drive(QRX_U32 id);
 
+    // How reads of a drive's configuration space end from now on.
+    std::optional<Failure> answer_config_reads(QRX_U32 id, ConfigSpace::Answer answer);
+    // Makes the OEM store hold what the controller left its factory with, or spoils it as OemStore::spoil does.
+    std::optional<Failure> set_oem_data(std::string_view what);
+
+    [[nodiscard]] Identity identity() const override;
+
     // The records that the firmware reports.
+    [[nodiscard]] NVME_Adapter_Info adapter_record() const;
     [[nodiscard]] NVME_PD_Info pd_record(const Drive& drive) const;
     [[nodiscard]] NVME_VD_Info vd_record(const VirtualDisk& vd) const;
     [[nodiscard]] NVME_NS_Info ns_record(const Namespace& ns) const;
@@ -79,6 +101,7 @@ public:
 protected:
     Completion vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data) override;
     [[nodiscard]] std::span<const QRX_U8> vendor_opcodes() const override;
+    [[nodiscard]] std::vector<QRX_U8> vendor_log(QRX_U8 page) const override;
     [[nodiscard]] Capacity capacity() const override;
     [[nodiscard]] QRX_U32 max_namespaces() const override { return adapter.max_ns; }
     void advance_back_end(Clock::Duration passed) override;
@@ -92,6 +115,7 @@ protected:
     [[nodiscard]] std::string firmware_version() const override { return version_text(adapter.firmware); }
     void take_version(const std::string& version) override;
     void reset_back_end() override;
+    void firmware_stored(unsigned target) override;
     [[nodiscard]] bool in_service(const Namespace& ns) const override;
 
 private:
@@ -106,8 +130,17 @@ private:
     void forget_contents(Drive& drive);
     // Takes over a raw image that a host has sent, before its commit.
     Verdict check_raw_image(const nvme_admin_cmd& command);
+    // The vendor commands of opcode 0xC7.
+    Completion vendor_write(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    Completion write_oem_data(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     Completion read_namespace_health(QRX_U16 nsid, std::span<QRX_U8> data) const;
 
+    // Registers. The interface, made if need be.
+    [[nodiscard]] PcieInterface& interface_at(QRX_U8 id);
+    Completion read_register(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    Verdict write_register(const nvme_admin_cmd& command);
+
+    Completion vendor_command(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     // The vendor commands of opcode 0xE2.
     Completion vendor_read(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     Completion read_pd(QRX_U32 id, std::span<QRX_U8> data) const;
@@ -123,6 +156,26 @@ private:
     [[nodiscard]] std::optional<Verdict> carry_out(const nvme_admin_cmd& command);
     // Writes the records of the namespaces that lie on `vd`, or on any virtual disk, from `payload` on.
     void put_namespaces_of(QRX_U8 vd, std::span<QRX_U8> payload) const;
+
+    // The board. A drive as long as it has power and is out of reset, or null.
+    [[nodiscard]] const Drive* reachable_drive(QRX_U32 id) const;
+    [[nodiscard]] Drive* reachable_drive(QRX_U32 id);
+    // Whether a drive may go away for a moment: nothing runs on it.
+    [[nodiscard]] Verdict check_interruptible(QRX_U32 pd) const;
+    // Whether it may stay away: nobody uses it besides.
+    [[nodiscard]] Verdict check_unused(QRX_U32 pd) const;
+    Verdict reset_back_end_device(QRX_U32 word);
+    Verdict reset_device(QRX_U16 id);
+    Verdict switch_power(QRX_U16 pin, QRX_U8 action);
+    Verdict switch_perst(QRX_U16 pd, QRX_U8 action);
+    Verdict set_led(QRX_U8 object, QRX_U32 word);
+    Verdict set_gpio(const nvme_admin_cmd& command);
+    Verdict set_inverse(QRX_U8 value);
+    Completion get_inverse(std::span<QRX_U8> data) const;
+    Verdict set_vpd_target(QRX_U32 target);
+    [[nodiscard]] Verdict test_i2c(QRX_U16 channel) const;
+    Verdict switch_feature(bool HbaSettings::*feature, const char* name, QRX_U32 on);
+    Completion write_spi(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
 
     // Virtual disks.
     [[nodiscard]] VirtualDisk* vd_of(QRX_U32 id);
@@ -145,7 +198,8 @@ private:
     [[nodiscard]] Verdict check_rebuild_target(const VirtualDisk& vd, QRX_U32 pd) const;
     void start_activity(VirtualDisk& vd, QRX_U8 type);
     void finish_activity(VirtualDisk& vd);
-    void abort_activity(VirtualDisk& vd, const std::string& why);
+    // `wanted`: a host asked for it.
+    void abort_activity(VirtualDisk& vd, const std::string& why, bool wanted = false);
     // Sectors that every member of the virtual disk gives.
     [[nodiscard]] QRX_U64 share_of(const VirtualDisk& vd) const;
     [[nodiscard]] bool member_lost(const VirtualDisk& vd, std::size_t index) const;
@@ -166,7 +220,20 @@ private:
     Verdict set_sharing(QRX_U16 nsid, QRX_U32 word);
     Verdict import_table(QRX_U32 pd, QRX_U16 table);
 
-    void tell(Event::Subject subject, QRX_U16 id, std::string text) { events.add(clock, subject, id, std::move(text)); }
+    // Keeps what has happened in the list of events. `what` is the word for it in the ring ("_CREATED"), empty for
+    // what the ring has no word for.
+    void tell(Event::Subject subject, QRX_U16 id, std::string text, std::string_view what = {},
+              QRX_U8 severity = QRX_NVME_EVT_SEVERITY_NOTIFY);
+    // The part of it that concerns the ring and the debug console, which gets `sentence`.
+    void note(Event::Subject subject, QRX_U16 id, std::string_view what, QRX_U8 severity, std::string_view sentence);
+    // Notes every tenth of its way that the activity has passed between two percentages.
+    void tell_progress(const VirtualDisk& vd, unsigned from, unsigned to);
+    // A line of the debug console about a command that failed.
+    void log_refusal(const nvme_admin_cmd& command, const Completion& completion);
+    Completion read_events(QRX_U32 offset, QRX_U32 length, std::span<QRX_U8> data) const;
+    Completion read_log_status(std::span<QRX_U8> data);
+    Completion read_log(std::span<QRX_U8> data);
+    Verdict switch_log(QRX_U32 word);
     // Takes a member out of its virtual disk: `gone` when its slot is empty from now on.
     void lose_member(QRX_U16 pd, bool gone);
 

@@ -28,6 +28,12 @@ void describe(Io& io, AdapterConfig& config);
 template <class Io>
 void describe(Io& io, HbaSettings& settings);
 template <class Io>
+void describe(Io& io, Board& board);
+template <class Io>
+void describe(Io& io, PcieInterface& interface, const Controller& controller);
+template <class Io>
+void describe(Io& io, ConfigSpace& space);
+template <class Io>
 void describe_activity(Io& io, std::optional<BackgroundActivity>& activity);
 template <class Io>
 void describe(Io& io, Drive& drive, const Controller& controller);
@@ -35,6 +41,10 @@ template <class Io>
 void describe(Io& io, VirtualDisk& vd, const Controller& controller);
 template <class Io>
 void describe(Io& io, Namespace& ns, const Controller& controller);
+template <class Io>
+void describe(Io& io, EventRing& ring);
+template <class Io>
+void describe(Io& io, SpiLog& log);
 template <class Io>
 void describe(Io& io, Controller& controller, const Machine::Parts& machine);
 

@@ -41,6 +41,9 @@ constexpr auto kSkuWords = std::to_array<JsonWord>({{0, "V"}, {1, "D"}, {2, "B"}
 constexpr auto kPortWords = std::to_array<JsonWord>({{kPcieEndPoint, "end-point"}, {kPcieRootComplex, "root-complex"}});
 constexpr auto kSpeedWords = std::to_array<JsonWord>({{1, "2.5Gb/s"}, {2, "5Gb/s"}, {3, "8Gb/s"}});
 constexpr auto kRateWords = std::to_array<JsonWord>({{0, "high"}, {2, "medium"}, {32, "low"}});
+constexpr auto kDamageWords = std::to_array<JsonWord>({{HbaSettings::kIntact, "intact"},
+                                                       {HbaSettings::kBadSignature, "bad-signature"},
+                                                       {HbaSettings::kBadChecksum, "bad-checksum"}});
 
 template <class Io>
 void describe(Io& io, Version& version)
@@ -117,6 +120,7 @@ void describe(Io& io, HbaSettings& settings)
     io.flag("debug_dump", settings.debug_dump);
     io.flag("flash_tools", settings.flash_tools);
     io.flag("sriov", settings.sriov);
+    io.flag("protection", settings.protection);
     io.flag("vpd_in_spi", settings.vpd_in_spi);
     io.flag("errors_only", settings.errors_only);
     io.flag("dsp", settings.dsp);
@@ -131,6 +135,7 @@ void describe(Io& io, HbaSettings& settings)
     io.number("gpio_values", settings.gpio_values, 0, kAny32);
     io.flag("gpio_from_settings", settings.gpio_from_settings);
     io.number("gpio_inverse", settings.gpio_inverse, 0, kAny8);
+    io.code("damage", settings.damage, kDamageWords);
 }
 
 template void describe(JsonReader&, Adapter&);

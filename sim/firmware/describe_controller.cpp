@@ -106,13 +106,23 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
     io.object("adapter", [&](auto& inner) { describe(inner, controller.adapter); });
     io.object("config", [&](auto& inner) { describe(inner, controller.config); });
     io.object("settings", [&](auto& inner) { describe(inner, controller.settings); });
+    if (Io::kReads) {
+        controller.board.boot(controller.settings);
+    }
+    io.object("board", [&](auto& inner) { describe(inner, controller.board); });
     controller.subsystem_vendor_id = controller.adapter.subsystem_vendor_id;
+    if (Io::kReads && !io.has("oem_data")) {
+        (void)controller.set_oem_data("factory");
+    }
+    io.bytes("oem_data", controller.oem.bytes, OemStore::kSize);
     io.list("drives", controller.drives, kMaxPdId + 1,
             [&](auto& inner, Drive& drive) { describe(inner, drive, controller); });
     io.list("virtual_disks", controller.virtual_disks, kMaxVdId + 1,
             [&](auto& inner, VirtualDisk& vd) { describe(inner, vd, controller); });
     io.list("namespaces", controller.namespaces, Controller::kMaxNamespaces,
             [&](auto& inner, Namespace& ns) { describe(inner, ns, controller); });
+    io.list("interfaces", controller.interfaces, kAny8 + 1,
+            [&](auto& inner, PcieInterface& interface) { describe(inner, interface, controller); });
     if (Io::kReads) {
         controller.vpd = factory_vpd(controller.vpd_facts());
     }
@@ -120,9 +130,12 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
     io.object("endpoint", [&](auto& inner) { inner.bytes("answer", controller.endpoint.answer, wire::kPageSize); });
     io.object("mailbox", [&](auto& inner) { describe(inner, controller.mailbox); });
     io.object("events", [&](auto& inner) { describe(inner, controller.events); });
+    io.object("event_ring", [&](auto& inner) { describe(inner, controller.ring); });
+    io.object("spi_log", [&](auto& inner) { describe(inner, controller.spi_log); });
     io.number("namespaces_made", controller.namespaces_made, 0, kAny32);
     sort_by(controller.drives, &Drive::id);
     sort_by(controller.virtual_disks, &VirtualDisk::id);
+    sort_by(controller.interfaces, &PcieInterface::id);
     sort_by(controller.namespaces, &Namespace::nsid);
 }
 

@@ -78,6 +78,14 @@ void describe(Io& io, Drive& drive, const Controller& controller)
     describe_own_namespaces(io, drive);
     io.flag("failed", drive.failed);
     io.flag("importable", drive.importable);
+    if (Io::kReads) {
+        const auto interface = static_cast<QRX_U8>(drive.slot + PcieInterface::kFirstRootComplex);
+        if (const PciePort* const port = drive.slot < kMaxPdId ? controller.port_of(interface) : nullptr) {
+            drive.config_space.speed = port->speed;
+            drive.config_space.width = port->width;
+        }
+    }
+    io.object("config_space", [&](auto& inner) { describe(inner, drive.config_space); });
     io.list("foreign_namespaces", drive.foreign_namespaces, Controller::kMaxNamespaces,
             [&](auto& inner, ForeignNamespace& ns) { describe(inner, ns, drive); });
     describe_activity(io, drive.activity);

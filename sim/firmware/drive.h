@@ -8,6 +8,7 @@
 
 #include "api/src/interface/wire/pd.h"
 #include "sim/firmware/background.h"
+#include "sim/firmware/config_space.h"
 #include "sim/firmware/nvme_function.h"
 
 namespace qrx::sim {
@@ -37,6 +38,7 @@ public:
     QRX_U16 nsid = 1;  // namespace on the drive itself that the controller uses
     bool failed = false;
     bool importable = false;
+    ConfigSpace config_space;
     std::vector<ForeignNamespace> foreign_namespaces;
     std::optional<BackgroundActivity> activity;
 

@@ -66,9 +66,19 @@ std::optional<Failure> Controller::fail_drive(QRX_U32 id)
     drive->failed = true;
     drive->health.critical_warning |= kReliabilityDegraded;
     drive->activity.reset();
-    tell(Event::kPd, drive->id, "has failed");
+    tell(Event::kPd, drive->id, "has failed", "_SETDOWN", QRX_NVME_EVT_SEVERITY_CRITICAL);
     lose_member(drive->id, false);
     auto_rebuild();
+    return std::nullopt;
+}
+
+std::optional<Failure> Controller::answer_config_reads(QRX_U32 id, ConfigSpace::Answer answer)
+{
+    Drive* const drive = drive_of(id);
+    if (drive == nullptr) {
+        return no_such_drive(*this, id);
+    }
+    drive->config_space.answer = answer;
     return std::nullopt;
 }
 
@@ -79,7 +89,7 @@ std::optional<Failure> Controller::remove_drive(QRX_U32 id)
         return no_such_drive(*this, id);
     }
     const QRX_U16 pd = drive->id;
-    tell(Event::kPd, pd, "plugged out");
+    tell(Event::kPd, pd, "plugged out", "_OFFLINE", QRX_NVME_EVT_SEVERITY_WARNING);
     drop_namespaces(kNsParentPd, pd);
     drives.erase(drives.begin() + (drive - drives.data()));
     lose_member(pd, true);
@@ -107,7 +117,7 @@ std::optional<Failure> Controller::replace_drive(QRX_U32 id)
         fresh.slot = old->slot;
         fresh.serial = old->serial;
         const std::size_t before = drives.size();
-        tell(Event::kPd, fresh.id, "plugged out");
+        tell(Event::kPd, fresh.id, "plugged out", "_OFFLINE", QRX_NVME_EVT_SEVERITY_WARNING);
         drop_namespaces(kNsParentPd, fresh.id);
         std::erase_if(drives, [id](const Drive& drive) { return drive.id == id; });
         if (drives.size() != before) {
@@ -116,7 +126,7 @@ std::optional<Failure> Controller::replace_drive(QRX_U32 id)
     }
     fresh.serial = next_serial(fresh.serial);
     fresh.make_default_namespace();
-    tell(Event::kPd, fresh.id, "plugged in, serial number " + fresh.serial);
+    tell(Event::kPd, fresh.id, "plugged in, serial number " + fresh.serial, "_ONLINE");
     const auto place =
         std::find_if(drives.begin(), drives.end(), [&](const Drive& other) { return other.id > fresh.id; });
     drives.insert(place, std::move(fresh));

@@ -64,6 +64,7 @@ Completion NvmeFunction::commit_firmware(const nvme_admin_cmd& command)
         }
         remember_version();
         slots.store(target, *std::move(content));
+        firmware_stored(target);
     } else if (slots.contents[target - 1].revision.empty()) {
         return complete(status::kInvalidFirmwareImage);
     } else if (slots.contents[target - 1].revoked) {
@@ -99,11 +100,16 @@ void NvmeFunction::run_firmware(unsigned target)
     }
 }
 
-void NvmeFunction::reset()
+void NvmeFunction::restart()
 {
     download.clear();
     run_firmware(slots.next != 0 ? slots.next : slots.active);
     features = Features();
+}
+
+void NvmeFunction::reset()
+{
+    restart();
     clock = Clock();
     ++health.power_cycles;
     reset_back_end();

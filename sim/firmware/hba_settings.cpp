@@ -1,5 +1,6 @@
 #include "sim/firmware/hba_settings.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <numeric>
@@ -36,12 +37,29 @@ void HbaSettings::fill(_hba_info& info) const
     page.fwdl.slot_select = firmware_slot;
 }
 
-void seal(_hba_info& info)
+void HbaSettings::seal(_hba_info& info) const
 {
+    if (damage == kBadSignature) {
+        info.header.signature[0] ^= QRX_U8{0xFF};
+    }
     info.header.chk_sum = 0;
     std::array<QRX_U32, sizeof(info) / sizeof(QRX_U32)> words{};
     std::memcpy(words.data(), &info, sizeof(info));
     info.header.chk_sum = 0U - std::accumulate(words.begin(), words.end(), QRX_U32{0});
+    if (damage == kBadChecksum) {
+        ++info.header.chk_sum;
+    }
+}
+
+std::optional<Failure> HbaSettings::set_damage(std::string_view what)
+{
+    static constexpr std::array<std::string_view, 3> kWords{"intact", "bad-signature", "bad-checksum"};
+    const auto* const found = std::find(kWords.begin(), kWords.end(), what);
+    if (found == kWords.end()) {
+        return Failure{"'" + std::string(what) + "' is none of intact, bad-signature, bad-checksum"};
+    }
+    damage = static_cast<QRX_U8>(found - kWords.begin());
+    return std::nullopt;
 }
 
 }  // namespace qrx::sim

@@ -59,11 +59,12 @@ _controller_list_format controller_list(std::span<const QRX_U16> ids, QRX_U32 fr
 nvme_id_ctrl NvmeFunction::identify_controller() const
 {
     const Capacity bytes = capacity();
+    const Identity own = identity();
     nvme_id_ctrl id{};
     id.vid = vendor_id;
-    id.ssvid = subsystem_vendor_id;
-    pad_with_blanks(id.sn, serial);
-    pad_with_blanks(id.mn, model);
+    id.ssvid = own.subsystem_vendor_id;
+    pad_with_blanks(id.sn, own.serial);
+    pad_with_blanks(id.mn, own.model);
     pad_with_blanks(id.fr, slots.running());
     id.rab = 6;
     std::copy(kOui.begin(), kOui.end(), std::begin(id.ieee));
@@ -92,7 +93,7 @@ nvme_id_ctrl NvmeFunction::identify_controller() const
     id.oncs = 0x59;                    // compare, write zeroes, select field of features, timestamp
     id.fna = formats() ? 1U << 2 : 0;  // a format can erase by forgetting the key
     id.vwc = 0x07;                     // volatile write cache; flush takes all namespaces at once
-    pad_with_zeros(id.subnqn, subnqn);
+    pad_with_zeros(id.subnqn, own.subnqn);
     id.psd[0].mp = 2500;  // 25.00 W
     return id;
 }

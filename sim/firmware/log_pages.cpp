@@ -15,6 +15,7 @@ constexpr QRX_U8 kLogErrors = 0x01;
 constexpr QRX_U8 kLogHealth = 0x02;
 constexpr QRX_U8 kLogFirmwareSlots = 0x03;
 constexpr QRX_U8 kLogCommands = 0x05;
+constexpr unsigned kFirstVendorPage = 0xC0;
 constexpr QRX_U32 kBroadcast = 0xFFFFFFFF;
 constexpr QRX_U32 kSupported = 1;  // bit 0 of an entry of the commands and the supported pages logs
 constexpr QRX_U32 kChangesContent = 1U << 1;
@@ -22,33 +23,39 @@ constexpr QRX_U32 kChangesNamespace = 1U << 2;
 constexpr QRX_U32 kChangesInventory = 1U << 3;  // of namespaces
 
 // Delivers `length` bytes from `offset` of a log page; zeros where the host asks for more than the page has.
-template <class Page>
-Completion deliver(const Page& page, QRX_U64 offset, QRX_U64 length, std::span<QRX_U8> data)
+Completion deliver_bytes(std::span<const QRX_U8> page, QRX_U64 offset, QRX_U64 length, std::span<QRX_U8> data)
 {
-    if (offset > sizeof(page)) {
+    if (offset > page.size()) {
         return complete(status::kInvalidField);
     }
     data = data.first(static_cast<std::size_t>(std::min<QRX_U64>(data.size(), length)));
-    const std::size_t held = std::min(data.size(), sizeof(page) - static_cast<std::size_t>(offset));
-    if (held != 0) {
-        std::array<QRX_U8, sizeof(page)> bytes{};
-        std::memcpy(bytes.data(), &page, sizeof(page));
-        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(offset), held, data.begin());
-    }
-    std::fill(data.begin() + static_cast<std::ptrdiff_t>(held), data.end(), QRX_U8{0});
+    const auto from = page.subspan(static_cast<std::size_t>(offset));
+    const auto held = from.first(std::min(data.size(), from.size()));
+    std::fill(std::copy(held.begin(), held.end(), data.begin()), data.end(), QRX_U8{0});
     return complete(status::kSuccess);
 }
 
-std::array<QRX_U32, 256> supported_pages()
+template <class Page>
+Completion deliver(const Page& page, QRX_U64 offset, QRX_U64 length, std::span<QRX_U8> data)
+{
+    std::array<QRX_U8, sizeof(page)> bytes{};
+    std::memcpy(bytes.data(), &page, sizeof(page));
+    return deliver_bytes(bytes, offset, length, data);
+}
+
+}  // namespace
+
+std::array<QRX_U32, 256> NvmeFunction::supported_pages() const
 {
     std::array<QRX_U32, 256> pages{};
     for (const QRX_U8 page : {kLogSupportedPages, kLogErrors, kLogHealth, kLogFirmwareSlots, kLogCommands}) {
         pages[page] = kSupported;
     }
+    for (unsigned page = kFirstVendorPage; page < pages.size(); ++page) {
+        pages[page] = vendor_log(static_cast<QRX_U8>(page)).empty() ? 0 : kSupported;
+    }
     return pages;
 }
-
-}  // namespace
 
 Completion NvmeFunction::get_log_page(const nvme_admin_cmd& command, std::span<QRX_U8> data) const
 {
@@ -73,8 +80,10 @@ Completion NvmeFunction::get_log_page(const nvme_admin_cmd& command, std::span<Q
         return deliver(slots.log(), offset, length, data);
     case kLogCommands:
         return deliver(effects_log(), offset, length, data);
-    default:
-        return complete(status::kInvalidLogPage);
+    default: {
+        const std::vector<QRX_U8> content = vendor_log(page);
+        return content.empty() ? complete(status::kInvalidLogPage) : deliver_bytes(content, offset, length, data);
+    }
     }
 }
 

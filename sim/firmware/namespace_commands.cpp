@@ -53,7 +53,8 @@ Namespace& Controller::make_namespace(QRX_U8 parent_kind, QRX_U16 parent, QRX_U6
     ns.derive_identifiers(serial, ++namespaces_made);
     tell(Event::kNs, ns.nsid,
          std::string("created on ") + (parent_kind == kNsParentVd ? "VD " : "PD ") + std::to_string(parent) + " with " +
-             std::to_string(sectors) + " sectors");
+             std::to_string(sectors) + " sectors",
+         "_CREATED");
     const auto place = std::find_if(namespaces.begin(), namespaces.end(),
                                     [&](const Namespace& other) { return other.nsid > ns.nsid; });
     return *namespaces.insert(place, std::move(ns));
@@ -64,7 +65,7 @@ void Controller::drop_namespaces(QRX_U8 parent_kind, QRX_U16 parent)
     const auto on_it = [&](const Namespace& ns) { return ns.parent_kind == parent_kind && ns.parent == parent; };
     for (const Namespace& ns : namespaces) {
         if (on_it(ns)) {
-            tell(Event::kNs, ns.nsid, "deleted");
+            tell(Event::kNs, ns.nsid, "deleted", "_DELETE");
         }
     }
     std::erase_if(namespaces, on_it);
@@ -75,7 +76,7 @@ Verdict Controller::initialize_namespaces(QRX_U16 pd, QRX_U32 count)
     if (adapter.raid()) {
         return Verdict::kNotSupported;
     }
-    Drive* const drive = drive_of(pd);
+    Drive* const drive = reachable_drive(pd);
     if (drive == nullptr) {
         return Verdict::kInvalidPd;
     }
@@ -107,7 +108,7 @@ Verdict Controller::create_namespace(QRX_U8 parent_plus_one, QRX_U8 owner, QRX_U
     const bool raid = adapter.raid();
     const QRX_U8 kind = raid ? kNsParentVd : kNsParentPd;
     const VirtualDisk* const vd = raid && parent_plus_one != 0 ? find_virtual_disk(parent_plus_one - 1U) : nullptr;
-    const Drive* const drive = !raid && parent_plus_one != 0 ? find_drive(parent_plus_one - 1U) : nullptr;
+    const Drive* const drive = !raid && parent_plus_one != 0 ? reachable_drive(parent_plus_one - 1U) : nullptr;
     if (vd == nullptr && drive == nullptr) {
         return raid ? Verdict::kInvalidVd : Verdict::kInvalidPd;
     }
@@ -171,7 +172,7 @@ Verdict Controller::import_table(QRX_U32 pd, QRX_U16 table)
     if (adapter.raid() || (adapter.features & kFeatureImport) == 0) {
         return Verdict::kNotSupported;
     }
-    Drive* const drive = drive_of(pd);
+    Drive* const drive = reachable_drive(pd);
     if (drive == nullptr) {
         return Verdict::kInvalidPd;
     }
@@ -261,7 +262,8 @@ Completion Controller::attach(const nvme_admin_cmd& command, std::span<const QRX
     }
     ns->waiting = ns->waiting && operation != kAttach;
     tell(Event::kNs, ns->nsid,
-         (operation == kAttach ? "attached to host function " : "detached from host function ") + text);
+         (operation == kAttach ? "attached to host function " : "detached from host function ") + text,
+         operation == kAttach ? "_ATTACH" : "_DETACH");
     return complete(status::kSuccess);
 }
 

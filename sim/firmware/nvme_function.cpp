@@ -115,6 +115,7 @@ NvmeFunction::Capacity NvmeFunction::capacity() const
 
 ControllerNode NvmeFunction::node() const
 {
+    const Identity own = identity();
     ControllerNode node;
     node.number = number;
     node.address = address.text();
@@ -122,10 +123,10 @@ ControllerNode NvmeFunction::node() const
     node.device_id = device_id;
     node.controller_id = controller_id;
     node.slot_id = slot;
-    node.model = model;
-    node.serial = serial;
+    node.model = own.model;
+    node.serial = own.serial;
     node.firmware = slots.running();
-    node.subnqn = subnqn;
+    node.subnqn = own.subnqn;
     for (const Namespace& ns : namespaces) {
         if (ns.valid && ns.active) {
             node.namespaces.push_back(ns.node());

@@ -2,6 +2,7 @@
 // The RAID controller adds its vendor commands; an SSD of another maker is this and no more.
 #pragma once
 
+#include <array>
 #include <span>
 #include <string>
 #include <vector>
@@ -47,12 +48,23 @@ public:
     Completion execute_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     Completion execute_io(const nvme_admin_cmd& command, std::span<QRX_U8> data);
 
+    // How it identifies itself: by the fields above, unless something else has been stored in the device.
+    struct Identity {
+        QRX_U16 subsystem_vendor_id = 0;
+        std::string model;
+        std::string serial;
+        std::string subnqn;
+    };
+    [[nodiscard]] virtual Identity identity() const { return {subsystem_vendor_id, model, serial, subnqn}; }
+
     [[nodiscard]] ControllerNode node() const;
     // Lets simulated time go by.
     void advance(Clock::Duration passed);
     // Takes the power away and gives it back: the firmware that waits for it runs, a download that was not committed
     // is lost, features and clock start anew.
     void reset();
+    // Only resets it: the firmware that waits runs, a download is lost, features start anew; power and clock stay.
+    void restart();
 
     // The namespace, or null. `of` may be const.
     template <class Function>
@@ -85,6 +97,8 @@ protected:
     virtual Completion vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     // The vendor opcodes that vendor_admin knows.
     [[nodiscard]] virtual std::span<const QRX_U8> vendor_opcodes() const { return {}; }
+    // A log page of the vendor's, whole; empty where there is no such page.
+    [[nodiscard]] virtual std::vector<QRX_U8> vendor_log(QRX_U8 /*page*/) const { return {}; }
     [[nodiscard]] virtual Capacity capacity() const;
     // Highest namespace id that may exist.
     [[nodiscard]] virtual QRX_U32 max_namespaces() const { return 1; }
@@ -115,6 +129,8 @@ protected:
     [[nodiscard]] virtual std::string firmware_version() const { return {}; }
     // From now on firmware of this version runs.
     virtual void take_version(const std::string& /*version*/) {}
+    // A commit has put an image into slot `target`.
+    virtual void firmware_stored(unsigned /*target*/) {}
     // The part of a reset that concerns what is behind the function.
     virtual void reset_back_end() {}
     // Whether what lies under the namespace can be read and written.
@@ -129,6 +145,7 @@ private:
     [[nodiscard]] nvme_id_ctrl identify_controller() const;
     [[nodiscard]] _nvme_id_ns identify_namespace(const Namespace& ns) const;
     Completion get_log_page(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
+    [[nodiscard]] std::array<QRX_U32, 256> supported_pages() const;
     [[nodiscard]] nvme_effects_log effects_log() const;
     Completion get_features(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
     Completion set_features(const nvme_admin_cmd& command, std::span<const QRX_U8> data);

@@ -41,10 +41,26 @@ inline constexpr QRX_U16 kReadAdapterInfo = 0x00E0;
 inline constexpr QRX_U16 kReadAdapterConfig = 0x01E0;
 inline constexpr QRX_U16 kWriteAdapterConfig = 0x02E0;
 inline constexpr QRX_U16 kSetTime = 0x03E0;
+inline constexpr QRX_U16 kReadOemData = 0x04E0;
+inline constexpr QRX_U16 kLedOfEndPoint = 0x07E0;
+inline constexpr QRX_U16 kWriteSpi = 0x08E0;
+inline constexpr QRX_U16 kReadRegister = 0x09E0;
+inline constexpr QRX_U16 kWriteRegister = 0x0AE0;
 inline constexpr QRX_U16 kActivateFirmware = 0x0BE0;
+inline constexpr QRX_U16 kSwitchFlashTool = 0x0DE0;
+inline constexpr QRX_U16 kSwitchSriov = 0x0EE0;
 inline constexpr QRX_U16 kReadHbaInfo = 0x0FE0;
+inline constexpr QRX_U16 kSwitchVpdTarget = 0x10E0;
+inline constexpr QRX_U16 kSetGpio = 0x11E0;
 inline constexpr QRX_U16 kSetDebugLevel = 0x12E0;
+inline constexpr QRX_U16 kWriteOemData = 0x13E0;
+inline constexpr QRX_U16 kTestI2c = 0x14E0;
+inline constexpr QRX_U16 kSwitchProtection = 0x15E0;
+inline constexpr QRX_U16 kSetInverse = 0x19E0;
+inline constexpr QRX_U16 kGetInverse = 0x1AE0;
 inline constexpr QRX_U16 kReadPdInfo = 0x00E1;
+inline constexpr QRX_U16 kLedOfRootComplex = 0x07E1;
+inline constexpr QRX_U16 kResetBackEnd = 0x08E1;
 inline constexpr QRX_U16 kImportNsTable = 0x09E1;
 inline constexpr QRX_U16 kReadVdInfo = 0x00E2;
 inline constexpr QRX_U16 kCreateVd = 0x03E2;
@@ -62,6 +78,10 @@ inline constexpr QRX_U16 kSetNsSharing = 0x03E5;
 inline constexpr QRX_U16 kCreateNs = 0x04E5;
 inline constexpr QRX_U16 kReadNsSharing = 0x05E5;
 inline constexpr QRX_U16 kReadNsHealth = 0x08E5;
+inline constexpr QRX_U16 kReadLog = 0x00FE;
+inline constexpr QRX_U16 kReadLogStatus = 0x02FE;
+inline constexpr QRX_U16 kSwitchLog = 0x03FE;
+inline constexpr QRX_U16 kReadEvents = 0x04FE;
 }  // namespace vendor
 
 // Opcodes of messages of the management interface, by the kind of message.

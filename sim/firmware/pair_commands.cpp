@@ -88,18 +88,18 @@ Verdict Controller::answer_pair(std::span<QRX_U8> payload)
     }
     switch (code) {
     case kAdapterInfo:
-        put(payload, 0, adapter.record(address));
+        put(payload, 0, adapter_record());
         return Verdict::kGood;
     case kPdInfo:
         return pair_list<sizeof(NVME_PD_Info)>(payload, kIds, Verdict::kInvalidPd,
                                                [&](QRX_U32 id, std::span<QRX_U8> at) {
-                                                   const Drive* const drive = find_drive(id);
+                                                   const Drive* const drive = reachable_drive(id);
                                                    return drive != nullptr && wire::write(at, 0, pd_record(*drive));
                                                });
     case kPdActivity:
         return pair_list<sizeof(NVME_BGA_STATUS)>(
             payload, kIds, Verdict::kInvalidPd, [&](QRX_U32 id, std::span<QRX_U8> at) {
-                const Drive* const drive = find_drive(id);
+                const Drive* const drive = reachable_drive(id);
                 if (drive == nullptr) {
                     return false;
                 }

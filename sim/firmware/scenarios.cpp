@@ -345,6 +345,153 @@ constexpr std::string_view kBoot = R"json({
 }
 )json";
 
+constexpr std::string_view kSeasoned = R"json({
+  "controllers": [
+    {
+      "number": 0,
+      "drives": [{"id": 0}, {"id": 1}],
+      "virtual_disks": [{"id": 0, "raid_mode": "raid1", "members": [0, 1]}],
+      "namespaces": [{"nsid": 1, "parent_id": 0}],
+      "event_ring": {"history": 1500}
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kScarred = R"json({
+  "controllers": [
+    {
+      "number": 0,
+      "settings": {"debug_dump": true},
+      "drives": [{"id": 0}, {"id": 1}],
+      "virtual_disks": [{"id": 0, "raid_mode": "raid1", "members": [0, 1]}],
+      "namespaces": [{"nsid": 1, "parent_id": 0}],
+      "event_ring": {
+        "sequence": 9,
+        "page": 1,
+        "pages": [
+          {
+            "lines": [
+              "[SEQ]01[TIME]12[MSG]VD0_CREATED_NOTIFY",
+              "[SEQ]02[TIME]12[MSG",
+              "[SEQ]03[TIME]15[MSG]NS1_CREATED_NOTIFY",
+              "[SEQ]4444444444[TIME]20[MSG]NS1_ATTACH_NOTIFY",
+              "[SEQ]05[TIME]30[MSG]PD1_SETDOWN_\u001b[31mCRITICAL",
+              "[SEQ]06[TIME]30[MSG]VD0_DEGRADED_WARNINGWARNINGWARNINGWARNINGWARNING",
+              "?"
+            ]
+          },
+          {
+            "lines": [
+              "",
+              "[SEQ]08[TIME]1764547200[MSG]PD1_ONLINE_NOTIFY",
+              "\u0007\u0007\u0007",
+              "[SEQ]09[TIME]1764547201[MSG]VD0_REBUILD_START_NOTIFY\u0000[SEQ]10"
+            ]
+          }
+        ]
+      },
+      "spi_log": {"lines": ["[      1.000] boot", "", "\u0000\u0000[      2.000] \u001b[2Jcleared"]}
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kEyeClosed = R"json({
+  "controllers": [
+    {
+      "number": 0,
+      "drives": [{"id": 0}, {"id": 1}],
+      "interfaces": [{"id": 2, "eye": {"width": 0}}]
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kEyeAtZero = R"json({
+  "controllers": [
+    {
+      "number": 0,
+      "drives": [{"id": 0}, {"id": 1}],
+      "interfaces": [{"id": 2, "eye": {"center": 16, "width": 48}}]
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kEyeNarrow = R"json({
+  "controllers": [
+    {
+      "number": 0,
+      "drives": [{"id": 0}, {"id": 1}],
+      "interfaces": [{"id": 2, "eye": {"center": 96, "width": 12, "jitter": 5}}]
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kEyePastRange = R"json({
+  "controllers": [
+    {
+      "number": 0,
+      "drives": [{"id": 0}, {"id": 1}],
+      "interfaces": [{"id": 2, "eye": {"center": 2540}}]
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kEyeStuck = R"json({
+  "controllers": [
+    {
+      "number": 0,
+      "drives": [{"id": 0}, {"id": 1}],
+      "interfaces": [{"id": 2, "ready_after": 255}, {"id": 3, "measured_after": 255}]
+    }
+  ]
+}
+)json";
+
+constexpr std::string_view kLinks = R"json({
+  "controllers": [
+    {
+      "number": 0,
+      "adapter": {
+        "ports": 13,
+        "pcie": [
+          {"type": "end-point", "id": 0, "speed": "8Gb/s", "width": 8},
+          {"type": "root-complex", "id": 0, "speed": "8Gb/s", "width": 8},
+          {"type": "root-complex", "id": 1, "speed": "5Gb/s", "width": 4},
+          {"type": "root-complex", "id": 2, "speed": "2.5Gb/s", "width": 2},
+          {"type": "root-complex", "id": 3, "speed": 4, "width": 16},
+          {"type": "root-complex", "id": 4, "speed": "8Gb/s", "width": 4},
+          {"type": "root-complex", "id": 5, "speed": "8Gb/s", "width": 4},
+          {"type": "root-complex", "id": 6, "speed": "8Gb/s", "width": 4},
+          {"type": "root-complex", "id": 7, "speed": "8Gb/s", "width": 4},
+          {"type": "root-complex", "id": 8, "speed": "8Gb/s", "width": 4},
+          {"type": "root-complex", "id": 9, "speed": "8Gb/s", "width": 4},
+          {"type": "root-complex", "id": 10, "speed": "8Gb/s", "width": 4},
+          {"type": "root-complex", "id": 11, "speed": "8Gb/s", "width": 4}
+        ]
+      },
+      "drives": [
+        {"id": 0, "config_space": {"correctable": 8193, "uncorrectable": 1310720}},
+        {"id": 1},
+        {"id": 2, "config_space": {"aer": false}},
+        {"id": 3},
+        {"id": 4, "config_space": {"express": false}},
+        {"id": 5, "config_space": {"answer": "timeout"}},
+        {"id": 6, "config_space": {"answer": "unsupported-request"}},
+        {"id": 7, "config_space": {"answer": "retry"}},
+        {"id": 8, "config_space": {"answer": "abort"}},
+        {"id": 9, "config_space": {"answer": "none"}},
+        {"id": 10, "failed": true}
+      ]
+    }
+  ]
+}
+)json";
+
 constexpr auto kScenarios = std::to_array<Scenario>({
     {"raid", "one controller, four drives, a RAID1 and a JBOD virtual disk with a namespace each, one drive free",
      kRaid},
@@ -360,6 +507,17 @@ constexpr auto kScenarios = std::to_array<Scenario>({
     {"importable", "a foreign virtual disk at /dev/nvme0, foreign namespace tables at /dev/nvme1 without RAID",
      kImportable},
     {"boot", "the first of two virtual disks holds /boot, at /dev/nvme0n1p1", kBoot},
+    {"seasoned", "a controller of long service: its event ring has wrapped", kSeasoned},
+    {"scarred", "some lines of the event ring and of the debug console are damaged", kScarred},
+    {"links", "drives behind links of each speed and width, and some whose configuration space cannot be read", kLinks},
+    {"eye-closed", "no eye at all on the link of drive 0", kEyeClosed},
+    {"eye-at-zero", "the eye of drive 0's link lies around phase 0", kEyeAtZero},
+    {"eye-narrow", "the eye of drive 0's link is too narrow to be taken for one", kEyeNarrow},
+    {"eye-past-range", "the eye of drive 0's link ends beyond the phases that are searched", kEyePastRange},
+    {"eye-stuck",
+     "eye monitors that do not get ready: that of drive 0's link when it is switched on, that of drive 1's while it "
+     "measures",
+     kEyeStuck},
     {"none", "no controller at all", kNone},
     {"gallery", "four controllers that show what the others do not: every status, mode, activity and limit", kGallery},
 });

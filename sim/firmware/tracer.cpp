@@ -96,11 +96,20 @@ const char* direction(QRX_U8 opcode)
     return data_to_device(opcode) ? " out=" : " in=";
 }
 
+QRX_U16 vendor_code(const nvme_admin_cmd& command)
+{
+    return static_cast<QRX_U16>(command.cdw12);
+}
+
 // The cmd_status of an answer that has an envelope, else 0.
 QRX_U8 verdict_of(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
 {
     if (command.opcode != kVendorRead && command.opcode != kPairReceive) {
         return 0;
+    }
+    if (command.opcode == kVendorRead &&
+        (vendor_code(command) == vendor::kReadOemData || vendor_code(command) == vendor::kReadHbaInfo)) {
+        return 0;  // the record of these comes alone, and may well begin with the same letters
     }
     const auto envelope = wire::read<NVMEReceiveData>(data);
     return envelope && std::memcmp(envelope->sign, kFrameSign, 3) == 0 ? envelope->cmd_status : QRX_U8{0};
@@ -140,7 +149,7 @@ void Tracer::write_line(const Node& node, bool admin_queue, const nvme_admin_cmd
     line += admin_queue ? admin_opcode_name(opcode) : io_opcode_name(opcode);
     line += '(' + hex(opcode, 2) + ')';
     if (admin_queue && vendor_coded(opcode)) {
-        const auto code = static_cast<QRX_U16>(command.cdw12);
+        const QRX_U16 code = vendor_code(command);
         line += ' ';
         line += vendor_command_name(code);
         line += '(' + hex(code, 4) + ')';

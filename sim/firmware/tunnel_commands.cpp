@@ -14,7 +14,7 @@ Completion Controller::tunnel(const nvme_admin_cmd& command, std::span<QRX_U8> d
     // The words from 16 on of the drive's first word would be its command identifier, which is the controller's own.
     const auto opcode = static_cast<QRX_U8>(command.cdw14);
     const bool from_drive = command.opcode == kTunnelFromDrive;
-    Drive* const drive = drive_of(command.nsid);
+    Drive* const drive = reachable_drive(command.nsid);
     if (drive == nullptr) {
         return complete(Verdict::kInvalidPd);
     }
@@ -103,8 +103,14 @@ void Controller::reset_back_end()
 {
     mailbox = {};
     endpoint = {};
+    for (PcieInterface& interface : interfaces) {
+        interface.reset();
+    }
+    board.boot(settings);
     for (Drive& drive : drives) {
-        drive.reset();
+        if (board.powered(drive.id)) {
+            drive.reset();
+        }
     }
     tell(Event::kAdapter, 0, "was reset; firmware " + slots.running() + " runs");
 }

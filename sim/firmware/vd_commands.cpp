@@ -49,7 +49,7 @@ bool share_out(std::vector<QRX_U64>& sizes, QRX_U64 sectors)
 
 Verdict Controller::check_free(QRX_U32 pd) const
 {
-    const Drive* const drive = find_drive(pd);
+    const Drive* const drive = reachable_drive(pd);
     if (drive == nullptr) {
         return Verdict::kInvalidPd;
     }
@@ -131,7 +131,8 @@ Verdict Controller::create_vd(VirtualDiskPlan plan)
         drive_of(pd)->importable = false;  // what another controller left on it is gone
     }
     tell(Event::kVd, id,
-         "created as " + std::string(find_raid_rule(made.raid_mode)->name) + " over PD " + list_of(made.members));
+         "created as " + std::string(find_raid_rule(made.raid_mode)->name) + " over PD " + list_of(made.members),
+         "_CREATED");
     const QRX_U32 sector_size = made.sector_size == 4096 ? 4096 : 512;
     const auto place = std::find_if(virtual_disks.begin(), virtual_disks.end(),
                                     [id](const VirtualDisk& other) { return other.id > id; });
@@ -155,7 +156,7 @@ Verdict Controller::delete_vd(QRX_U32 id)
         return Verdict::kVdBusy;
     }
     drop_namespaces(kNsParentVd, vd->id);
-    tell(Event::kVd, vd->id, "deleted");
+    tell(Event::kVd, vd->id, "deleted", "_DELETE");
     virtual_disks.erase(virtual_disks.begin() + (vd - virtual_disks.data()));
     update_health();
     auto_rebuild();
@@ -184,12 +185,12 @@ Verdict Controller::import_vd(QRX_U32 id)
             drive->importable = false;
         }
     }
-    tell(Event::kVd, vd->id, "imported");
+    tell(Event::kVd, vd->id, "imported", "_IMPORT_COMPLETE");
     for (Namespace& ns : namespaces) {
         if (ns.parent_kind == kNsParentVd && ns.parent == vd->id && !ns.valid) {
             ns.valid = true;
             ns.waiting = true;
-            tell(Event::kNs, ns.nsid, "imported with VD " + std::to_string(vd->id));
+            tell(Event::kNs, ns.nsid, "imported with VD " + std::to_string(vd->id), "_ONLINE");
         }
     }
     update_status(*vd);

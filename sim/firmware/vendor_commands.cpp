@@ -46,9 +46,18 @@ VirtualDiskPlan plan_of(const nvme_admin_cmd& command)
 
 Completion Controller::vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data)
 {
+    const Completion completion = vendor_command(command, data);
+    log_refusal(command, completion);
+    return completion;
+}
+
+Completion Controller::vendor_command(const nvme_admin_cmd& command, std::span<QRX_U8> data)
+{
     switch (command.opcode) {
     case kVendorRead:
         return vendor_read(command, data);
+    case kVendorWrite:
+        return vendor_write(command, data);
     case kTunnelFromDrive:
     case kTunnelToDrive:
         return tunnel(command, data);
@@ -66,17 +75,22 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
     const auto argument = static_cast<QRX_U16>(command.cdw12 >> 16);
     switch (static_cast<QRX_U16>(command.cdw12)) {
     case vendor::kReadAdapterInfo:
-        return reply_with(data, adapter.record(address));
+        return reply_with(data, adapter_record());
     case vendor::kReadAdapterConfig:
         return adapter.raid() ? reply_with(data, config.record()) : reply(data, Verdict::kNotSupported);
     case vendor::kSetTime:
         return set_time(command.cdw13, command.cdw14);
+    case vendor::kReadRegister:
+        return read_register(command, data);
     case vendor::kReadHbaInfo: {
         const auto page = data.first(std::min(data.size(), wire::kPageSize));
         std::fill(page.begin(), page.end(), QRX_U8{0});
         put(page, 0, hba_info());  // this one comes without an envelope
         return complete(status::kSuccess);
     }
+    case vendor::kReadOemData:
+        oem.read(data);  // nor has this one
+        return complete(status::kSuccess);
     case vendor::kReadPdInfo:
         return read_pd(command.cdw14, data);
     case vendor::kReadVdInfo:
@@ -91,11 +105,44 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return read_sharing(argument, data);
     case vendor::kReadNsHealth:
         return read_namespace_health(argument, data);
+    case vendor::kGetInverse:
+        return get_inverse(data);
+    case vendor::kReadLog:
+        return read_log(data);
+    case vendor::kReadLogStatus:
+        return read_log_status(data);
+    case vendor::kReadEvents:
+        return read_events(command.cdw13, command.cdw14, data);
     default: {
         const std::optional<Verdict> verdict = carry_out(command);
         return verdict ? complete(*verdict) : complete(status::kInvalidField);
     }
     }
+}
+
+Completion Controller::vendor_write(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
+{
+    switch (static_cast<QRX_U16>(command.cdw12)) {
+    case vendor::kWriteSpi:
+        return write_spi(command, data);
+    case vendor::kWriteOemData:
+        return write_oem_data(command, data);
+    default:
+        return complete(status::kInvalidField);
+    }
+}
+
+Completion Controller::write_oem_data(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
+{
+    const QRX_U64 length = (QRX_U64{command.cdw10} + 1) * sizeof(QRX_U32);
+    if (length != data.size() || data.size() != OemStore::kSize) {
+        return complete(status::kInvalidField);
+    }
+    const Verdict verdict = oem.write(data);
+    if (verdict == Verdict::kGood) {
+        tell(Event::kAdapter, 0, "has new OEM data");
+    }
+    return complete(verdict);
 }
 
 std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
@@ -106,8 +153,30 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
     switch (static_cast<QRX_U16>(command.cdw12)) {
     case vendor::kWriteAdapterConfig:
         return set_config(static_cast<QRX_U8>(low), static_cast<QRX_U8>(low >> 8));
+    case vendor::kWriteRegister:
+        return write_register(command);
     case vendor::kActivateFirmware:
         return check_raw_image(command);
+    case vendor::kLedOfEndPoint:
+        return set_led(kPcieEndPoint, command.cdw14);
+    case vendor::kSwitchFlashTool:
+        return switch_feature(&HbaSettings::flash_tools, "the manufacturing flash tool", command.cdw14);
+    case vendor::kSwitchSriov:
+        return switch_feature(&HbaSettings::sriov, "SR-IOV", command.cdw14);
+    case vendor::kSwitchProtection:
+        return switch_feature(&HbaSettings::protection, "the protection of its SPI flash", command.cdw14);
+    case vendor::kSwitchVpdTarget:
+        return set_vpd_target(command.cdw14);
+    case vendor::kSetGpio:
+        return set_gpio(command);
+    case vendor::kTestI2c:
+        return test_i2c(static_cast<QRX_U8>(argument));
+    case vendor::kSetInverse:
+        return set_inverse(static_cast<QRX_U8>(argument));
+    case vendor::kLedOfRootComplex:
+        return set_led(kPcieRootComplex, command.cdw14);
+    case vendor::kResetBackEnd:
+        return reset_back_end_device(command.cdw14);
     case vendor::kSetDebugLevel:
         return set_debug_level(argument);
     case vendor::kImportNsTable:
@@ -130,6 +199,8 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
         return initialize_namespaces(argument, command.cdw14);
     case vendor::kSetNsSharing:
         return set_sharing(argument, command.cdw14);
+    case vendor::kSwitchLog:
+        return switch_log(command.cdw14);
     case vendor::kCreateNs:
         return create_namespace(static_cast<QRX_U8>(argument), static_cast<QRX_U8>(argument >> 8),
                                 QRX_U64{command.cdw14} << 32 | command.cdw13);
@@ -140,7 +211,7 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
 
 Completion Controller::read_pd(QRX_U32 id, std::span<QRX_U8> data) const
 {
-    const Drive* const drive = find_drive(id);
+    const Drive* const drive = reachable_drive(id);
     return drive != nullptr ? reply_with(data, pd_record(*drive)) : reply(data, Verdict::kInvalidPd);
 }
 
@@ -218,10 +289,13 @@ Verdict Controller::set_config(QRX_U8 auto_rebuild_on, QRX_U8 rate)
                 vd.activity->stretch(rate_factor(before.rate), rate_factor(config.rate));
             }
         }
-        tell(Event::kAdapter, 0, std::string("has its background rate set to ") + rate_name(config.rate));
+        tell(Event::kAdapter, 0, std::string("has its background rate set to ") + rate_name(config.rate),
+             "_BGA_CHANGE");
     }
     if (config.auto_rebuild != before.auto_rebuild) {
-        tell(Event::kAdapter, 0, std::string("has auto rebuild switched ") + (config.auto_rebuild == 1 ? "on" : "off"));
+        const bool on = config.auto_rebuild == 1;
+        tell(Event::kAdapter, 0, std::string("has auto rebuild switched ") + (on ? "on" : "off"),
+             on ? "_AUTOREBUILD_ON" : "_AUTOREBUILD_OFF");
         auto_rebuild();
     }
     return verdict;

@@ -82,8 +82,16 @@ Result<Question> read_words(const Options& options)
     if (!kind) {
         return Failure{kind.error()};
     }
+    const std::size_t given = words.size() - at;
+    if (*kind == ControlArgument::optional_text) {
+        if (given > 1) {
+            return Failure{request.command + " takes at most one word behind it"};
+        }
+        request.argument = given == 1 ? words[at] : "";
+        return question;
+    }
     const std::size_t wanted = *kind == ControlArgument::none ? 0 : 1;
-    if (words.size() - at != wanted) {
+    if (given != wanted) {
         return Failure{request.command + (wanted == 0 ? " takes nothing behind it" : " takes one word behind it")};
     }
     if (*kind == ControlArgument::text) {

@@ -7,6 +7,7 @@
 
 #include "sim/firmware/factory.h"
 #include "sim/firmware/raid_rules.h"
+#include "sim/launcher/show_board.h"
 
 namespace qrx::sim {
 namespace {
@@ -22,10 +23,13 @@ constexpr auto kRows = std::to_array<Row>({
     {"fail-drive", "<id>", ControlArgument::text},
     {"replace-drive", "<id>", ControlArgument::text},
     {"remove-drive", "<id>", ControlArgument::text},
+    {"oem-data", "<what>", ControlArgument::text},
+    {"hba-info", "<what>", ControlArgument::text},
+    {"config-reads", "<id>=<answer>", ControlArgument::text},
     {"reset", "", ControlArgument::none},
     {"firmware", "", ControlArgument::none},
     {"events", "", ControlArgument::none},
-    {"show", "", ControlArgument::none},
+    {"show", "[pins|features]", ControlArgument::optional_text},
     {"save", "<file>", ControlArgument::file_to_write},
     {"mount-table", "<file>", ControlArgument::file_to_read},
     {"help", "", ControlArgument::none},
@@ -92,7 +96,7 @@ std::string members_text(const VirtualDisk& vd)
     return text;
 }
 
-std::string show(const Controller& controller)
+std::string show_storage(const Controller& controller)
 {
     std::string text = "controller " + std::to_string(controller.number) + ": " +
                        (controller.adapter.raid() ? "RAID" : "JBOF") + ", up " + time_text(controller.clock.uptime) +
@@ -118,6 +122,20 @@ std::string show(const Controller& controller)
         }
     }
     return text;
+}
+
+Result<std::string> show(const Controller& controller, const std::string& what)
+{
+    if (what.empty()) {
+        return show_storage(controller);
+    }
+    if (what == "pins") {
+        return show_pins(controller);
+    }
+    if (what == "features") {
+        return show_features(controller);
+    }
+    return Failure{"show: '" + what + "' is none of pins, features"};
 }
 
 std::string show_slots(const std::string& name, const NvmeFunction& function)
@@ -178,6 +196,25 @@ Result<Controller*> find_controller(Machine& machine, std::optional<unsigned> nu
     return Failure{"there is no controller " + std::to_string(*number) + "; there are " + numbers};
 }
 
+Result<std::string> done(const ControlRequest& request, const std::optional<Failure>& failure)
+{
+    return failure ? Result<std::string>(Failure{request.command + ": " + failure->text}) : std::string();
+}
+
+Result<std::string> change_config_reads(Controller& controller, const ControlRequest& request)
+{
+    const std::string_view argument = request.argument;
+    const std::size_t equals = std::min(argument.find('='), argument.size());
+    const std::optional<unsigned> id = number_in(argument.substr(0, equals));
+    const auto answer = config_answer(argument.substr(std::min(equals + 1, argument.size())));
+    if (!id || !answer) {
+        return Failure{"config-reads: '" + request.argument + "' is no drive id, '=' and answer; answers are " +
+                       config_answers()};
+    }
+    const auto failure = controller.answer_config_reads(*id, *answer);
+    return failure ? Result<std::string>(Failure{"config-reads: " + failure->text}) : std::string();
+}
+
 Result<std::string> change_drive(Controller& controller, const ControlRequest& request)
 {
     const std::optional<unsigned> id = number_in(request.argument);
@@ -192,7 +229,7 @@ Result<std::string> change_drive(Controller& controller, const ControlRequest& r
     } else {
         failure = controller.remove_drive(*id);
     }
-    return failure ? Result<std::string>(Failure{request.command + ": " + failure->text}) : std::string();
+    return done(request, failure);
 }
 
 }  // namespace
@@ -254,10 +291,13 @@ Result<std::string> carry_out(Machine& machine, const ControlRequest& request)
         return Failure{controller.error()};
     }
     if (request.command == "show") {
-        return show(**controller);
+        return show(**controller, request.argument);
     }
     if (request.command == "firmware") {
         return show_firmware(**controller);
+    }
+    if (request.command == "config-reads") {
+        return change_config_reads(**controller, request);
     }
     if (request.command == "reset") {
         (*controller)->reset();
@@ -265,6 +305,12 @@ Result<std::string> carry_out(Machine& machine, const ControlRequest& request)
     }
     if (request.command == "events") {
         return list_events(**controller);
+    }
+    if (request.command == "oem-data") {
+        return done(request, (*controller)->set_oem_data(request.argument));
+    }
+    if (request.command == "hba-info") {
+        return done(request, (*controller)->settings.set_damage(request.argument));
     }
     return change_drive(**controller, request);
 }
@@ -280,10 +326,17 @@ another terminal give the socket that the other qrx_sim was started with, or the
   fail-drive <id>         make a drive fail
   replace-drive <id>      put a fresh drive in the place of another, or in an empty one
   remove-drive <id>       pull a drive
+  oem-data <what>         the OEM record: factory, erased, bad-signature, bad-checksum or bad-length
+  hba-info <what>         the stored settings: intact, bad-signature or bad-checksum
+  config-reads <id>=<answer>
+                          how reads of a drive's configuration space end: data, unsupported-request, retry, timeout,
+                          abort, or none, never
   reset                   take the controller's power away and give it back: new firmware runs
   firmware                what the firmware slots of controller and drives hold
   events                  what has happened, with the time since power-on
   show                    drives, virtual disks and namespaces, a line each
+  show pins               power and PERST# lines of the drives, and LEDs
+  show features           switched features, the place of the VPD, the SPI flash
   save <file>             write the machine's state to a file
   mount-table <file>      give the machine another mount table
   help                    show this page

@@ -19,7 +19,7 @@ struct ControlRequest {
 };
 
 // What a command needs behind its name.
-enum class ControlArgument { none, text, file_to_read, file_to_write };
+enum class ControlArgument { none, text, optional_text, file_to_read, file_to_write };
 
 // The rule of a command by its name, or a failure that lists the commands.
 [[nodiscard]] Result<ControlArgument> control_argument(std::string_view command);

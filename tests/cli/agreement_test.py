@@ -1,4 +1,4 @@
-"""`identify` and `smart` against what nvme-cli reads from the same simulated controller, field by field.
+"""`identify`, `smart`, `oemdata` and `dumphba` against what nvme-cli reads from the same simulated controller, field by field.
 
     QRX_BIN=build/release/bin /usr/bin/python3 agreement_test.py [Agreement.test_...]
 """
@@ -83,9 +83,10 @@ class Agreement(unittest.TestCase):
         self.addCleanup(directory.cleanup)
         self.directory = directory.name
         (pathlib.Path(self.directory) / "machine.json").write_text(json.dumps(MACHINE))
+        self.options = []  # further ones of qrx_sim
 
     def on_machine(self, *words):
-        done = subprocess.run(["qrx_sim", "--scenario", "machine.json", "--clock", "stopped", "--", *words],
+        done = subprocess.run(["qrx_sim", "--scenario", "machine.json", "--clock", "stopped", *self.options, "--", *words],
                               cwd=self.directory, env=ENVIRONMENT, timeout=TIMEOUT, text=True, capture_output=True,
                               check=False)
         self.assertEqual(done.returncode, 0, done.stderr)
@@ -119,6 +120,41 @@ class Agreement(unittest.TestCase):
         told = {label: value for label, value in told.items() if not label.startswith("NVME")}
         self.assertEqual(told, expected)
         self.assertEqual((told["FR"], told["FRMW"], told["SSVID"]), ("REV.0002", "0xb", "0x1234"))
+
+    def test_identity_that_oemdata_wrote(self):
+        self.options = ["--state", "lab.json"]
+        before = self.read("id-ctrl", "/dev/nvme0")
+        self.assertEqual((before["sn"].rstrip(), before["mn"].rstrip(), before["ssvid"]),
+                         ("SERIAL-17", "MODEL OF CONTROLLER", 0x1234))
+        for words, serial, model, vendor, device in (
+                (("-s", "NEW SERIAL"), "NEW SERIAL", "MODEL OF CONTROLLER", 0x1234, 0x1001),
+                (("-v", "0x5c2e", "-d", "0x3319", "-m", "NEW MODEL"), "NEW SERIAL", "NEW MODEL", 0x5c2e, 0x3319),
+                (("-s", "S" * 20, "-m", "M" * 40), "S" * 20, "M" * 40, 0x5c2e, 0x3319)):
+            self.assertEqual(self.on_machine("qrx_cli", "oemdata", *words), "Set OEM data success.\n")
+            read = self.read("id-ctrl", "/dev/nvme0")
+            self.assertEqual((read["sn"], read["mn"], read["ssvid"]), (serial.ljust(20), model.ljust(40), vendor))
+            told = self.told("identify", "-c", "1")
+            self.assertEqual((told["SN"], told["MN"], told["SSVID"]), (serial, model, hex(vendor)))
+            told = self.told("info", "-o", "hba")
+            self.assertEqual((told["SVID"], told["SDID"]), (hex(vendor), hex(device)))
+            self.on_machine("qrx_cli", "dumphba", "--outputfile", "settings")
+            settings = (pathlib.Path(self.directory) / "settings").read_bytes()[448:]
+            self.assertEqual(settings[12:16], vendor.to_bytes(2, "little") + device.to_bytes(2, "little"))
+            self.assertEqual(settings[16:36].decode(), serial.ljust(20))
+            unchanged = {key: value for key, value in read.items() if key not in ("sn", "mn", "ssvid")}
+            self.assertEqual(unchanged, {key: before[key] for key in unchanged})
+
+    def test_stored_record_as_nvme_cli_reads_it(self):
+        self.options = ["--state", "lab.json"]
+        self.on_machine("qrx_cli", "oemdata", "-v", "0x5c2e", "-d", "0x3319", "-s", "SN", "-m", "MODEL")
+        dump = self.on_machine("nvme", "admin-passthru", "/dev/nvme0", "-o", "0xe2", "--cdw10=0x3ff", "--cdw12=0x4e0",
+                               "-l", "4096", "-r")
+        page = bytes.fromhex("".join(re.findall(r"^[0-9a-f]{4}: ((?:[0-9a-f]{2} ){16})", dump, re.MULTILINE)))
+        record = b"QRX \x88\x00\x0c\x00" + page[8:12] + b"\x2e\x5c\x19\x33" + bytes(60)
+        record += b"SN".ljust(20) + b"MODEL".ljust(40) + bytes(120)
+        self.assertEqual(page, record.ljust(4096, b"\xff"))
+        words = (int.from_bytes(page[at:at + 4], "little") for at in range(0, 136, 4))
+        self.assertEqual(sum(words) % (1 << 32), 0)
 
     def test_identify_namespace(self):
         told = self.told("identify", "-c", "0", "-n", "3")

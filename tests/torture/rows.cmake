@@ -12,14 +12,14 @@ set(torture_rows
     "smart -o hba" "smart -o ns -n 1" "smart -i 0" "identify -c 1 --rawdata" "identify -n 1" "identify -c 2"
     "passthru -i 0 -o 6 -r read -d 4096" "passthru -i 0 -o 6 -r read -d 4096 --outputfile output"
     "passthru -i 0 -o 2 --cdw10 0x7f0002 -r read -d 512" "passthru -i 0 -o 9 --cdw10 14 -r write -d 8 --inputfile file"
-    "event -c 0" "log -a on" dumphba "dumphba -a show" "dumphba --outputfile output" getoemdata
-    "oemdata -s TORTURE -m TORTURE"
+    "event -c 0" "scarred: event -c 0" "log -a on" "scarred: log -a show --outputfile output"
+    dumphba "dumphba -a show" "dumphba --outputfile output" getoemdata "oemdata -s TORTURE -m TORTURE"
     "spi -t read" "spi -t read --outputfile output" "spi -t write --inputfile file" "reset -i 3 -t device"
     "led -o ep -i 0 -a qb" "gpio --set-default=yes" "inverse -a get" "inverse -a inverse" "vpd -t spi"
     "reg -t read -a 0x10" "reg -t write -a 0x10 -d 1" "i2c -i 2" "qxf -a on" "protect -a on" "sriov -a off" "pcie -i 0"
     "hotkey -k D" "hotkey -k w" "hotkey -k 12bg" "hotkey --waiveconfirmation -k v"
-    "vpdread -o 0 -l 250" "vpdread -o 0 -l 250 -f output" "vpdwrite -o 0 -l 12 -f /proc/version" "gen -t attachns --list=0,1"
-    "mi_passthruread -i 1" "mi_passthruread -l 64 -f output" "mi_passthruwrite -o 0 -l 12 -f /proc/version"
+    "vpdread -o 0 -l 250" "vpdread -o 0 -l 250 -f output" "vpdwrite -o 0 -l 12 -f /proc/version"
+    "gen -t attachns --list=0,1" "mi_passthruread -i 1" "mi_passthruread -l 64 -f output" "mi_passthruwrite -o 0 -l 12 -f /proc/version"
 )
 # A run of it lasts two seconds, and tests/cli/flash_failure_test.py sees it fail in all the other ways.
 set(torture_rows_of_updates "flash -o hba -f image -s 1 -c 1")

@@ -96,7 +96,8 @@ int receive(PCommand_Info row, const qrx::OptionScan& scan, const Wish& wish, co
         errno = 0;
         write_file(data.data(), static_cast<int>(data.size()));
         if (std::fflush(file) != 0 || std::ferror(file) != 0) {
-            result = cannot(row, "write", wish.output, errno);
+            result = qrx::refuse(1, "%s: cannot write '%s': %s; the file is incomplete\n", row->cmd, wish.output,
+                                 std::strerror(errno));
         }
         close_file();
     } else {

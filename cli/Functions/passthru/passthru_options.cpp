@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 
 #include "cli/Functions/passthru/passthru.h"
 #include "cli/Public/frame/number.h"
@@ -119,11 +117,8 @@ bool disk(const char* word, Wish& wish)
 // Alone among the numbers, a hexadecimal one may take all 32 bits.
 bool nsid(const char* word, Wish& wish)
 {
-    if (std::strstr(word, "0x") != nullptr) {
-        wish.nsid = static_cast<QRX_U32>(std::strtoll(word, nullptr, 16));
-        return true;
-    }
-    return number(word, wish.nsid, "-n: Backend Namespace ID");
+    return take(readWideHexOrNumber(word), wish.nsid) ||
+           complain("-n: Backend Namespace ID should be a decimal or hexadecimal\n");
 }
 
 bool word(char letter, const char* text, Wish& wish)

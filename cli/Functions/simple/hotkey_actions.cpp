@@ -11,6 +11,7 @@
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_hotkey.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/register.h"
 #include "cli/Public/frame/report.h"
 #include "cli/Public/frame/tunnel.h"
 
@@ -25,7 +26,6 @@ using FetchStatus = qrx::info::Status;
 
 constexpr QRX_U8 kSubCreateVd = 3;
 constexpr QRX_U8 kSubDeleteVd = 4;
-constexpr QRX_U8 kSubReadRegister = 9;
 constexpr QRX_U8 kPdZero = 255;          // how PD 0 is written where 0 marks an empty entry
 constexpr QRX_U32 kEraseUserData = 512;  // CDW10 of Format NVM: Secure Erase Settings 1
 
@@ -228,7 +228,7 @@ int _getAdapterInfo(QRX_U8 adapter, Response& buffer)
 int showRCEP(QRX_U8 id, QRX_U32 address)
 {
     std::array<QRX_U8, 4> data{};
-    const int status = vendorCommand(kGroupAdapter, kSubReadRegister, id).word(10, 0).word(13, address).receive(data);
+    const int status = qrx::registerRead(id, address).receive(data);
     if (status == 0) {
         print("%x : 0x%x\n", address, qrx::wire::read<QRX_U32>(data).value_or(0));
     }

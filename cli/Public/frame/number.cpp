@@ -46,6 +46,15 @@ std::optional<std::int32_t> readHexOrNumber(const char* text)
     return readNumber(text);
 }
 
+std::optional<std::uint32_t> readWideHexOrNumber(const char* text)
+{
+    if (text != nullptr && std::strstr(text, "0x") != nullptr) {
+        return static_cast<std::uint32_t>(std::strtoll(text, nullptr, 16));
+    }
+    const std::optional<std::int32_t> number = readNumber(text);
+    return number ? std::optional<std::uint32_t>(static_cast<std::uint32_t>(*number)) : std::nullopt;
+}
+
 int idBase()
 {
     return g_oneBaseMode == 1 ? 1 : 0;

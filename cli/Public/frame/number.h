@@ -23,6 +23,10 @@ std::optional<std::int32_t> readNumber(const char* text);
 // readNumber.
 std::optional<std::int32_t> readHexOrNumber(const char* text);
 
+// The same, but that a hexadecimal one may take all 32 bits, and more, of which the lower 32 count. The decimal one
+// saturates at 0x7FFFFFFF.
+std::optional<std::uint32_t> readWideHexOrNumber(const char* text);
+
 // 1 in one-based mode, otherwise 0: what is added to an id that is shown, and taken off one that is typed.
 int idBase();
 

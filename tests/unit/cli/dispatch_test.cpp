@@ -163,12 +163,15 @@ TEST(CommandTables, HoldTheseRows)
         }
         return names;
     };
-    EXPECT_EQ(namesOf(generalCmdTableV1, generalCmdTableV1Size()),
-              (std::vector<std::string>{"?",        "help",     "adapter", "version", "smart",    "flash",  "info",
-                                        "import",   "init",     "mp",      "rebuild", "debuglv",  "get",    "set",
-                                        "vpdwrite", "passthru", "vd",      "ns",      "identify", "vpdread"}));
+    EXPECT_EQ(
+        namesOf(generalCmdTableV1, generalCmdTableV1Size()),
+        (std::vector<std::string>{"?",        "help",    "adapter",  "version",  "smart",   "flash",   "log", "info",
+                                  "event",    "import",  "init",     "mp",       "rebuild", "debuglv", "get", "set",
+                                  "vpdwrite", "oemdata", "passthru", "spi",      "vd",      "reset",   "led", "vpd",
+                                  "dumphba",  "gpio",    "ns",       "identify", "inverse", "vpdread"}));
     EXPECT_EQ(namesOf(hiddenCmdTableV1, hiddenCmdTableV1Size()),
-              (std::vector<std::string>{"--debug", "gen", "hotkey", "mi_passthruread", "mi_passthruwrite"}));
+              (std::vector<std::string>{"--debug", "gen", "reg", "qxf", "protect", "i2c", "pcie", "eom", "sriov",
+                                        "hotkey", "getoemdata", "mi_passthruread", "mi_passthruwrite"}));
 }
 
 TEST(CommandTables, DispatchThroughTheRealTables)

@@ -127,6 +127,19 @@ TEST(Numbers, InDecimalOrHexadecimal)
     EXPECT_EQ(readHexOrNumber("0xFFFFFFFF"), 0x7FFFFFFF);
 }
 
+TEST(Numbers, AWideHexadecimalOneTakesAllBits)
+{
+    EXPECT_EQ(readWideHexOrNumber("0xE3200000"), 0xE3200000U);
+    EXPECT_EQ(readWideHexOrNumber("0x123456789ABCDEF"), 0x89ABCDEFU);
+    EXPECT_EQ(readWideHexOrNumber("0xFFFFFFFFFFFFFFFFF"), 0xFFFFFFFFU);
+    EXPECT_EQ(readWideHexOrNumber("zz0x5"), 0U);
+    EXPECT_EQ(readWideHexOrNumber("4294967295"), 0x7FFFFFFFU);
+    EXPECT_EQ(readWideHexOrNumber(""), 0U);
+    EXPECT_EQ(readWideHexOrNumber("E3200000"), std::nullopt);
+    EXPECT_EQ(readWideHexOrNumber("-1"), std::nullopt);
+    EXPECT_EQ(readWideHexOrNumber(nullptr), std::nullopt);
+}
+
 TEST(Numbers, TheOneBasedRule)
 {
     GlobalsGuard guard;

@@ -2,12 +2,11 @@
 #include "cli/Functions/passthru/passthru.h"
 
 #include <array>
-#include <fstream>
-#include <sstream>
 
 #include "api/src/interface/wire/nvme.h"
 #include "cli/Functions/smart/smart.h"
 #include "cli/Public/utility.h"
+#include "tests/unit/cli/file_texts.h"
 #include "tests/unit/cli/health_texts.h"
 #include "tests/unit/cli/storage_fixture.h"
 #include "tests/unit/support/libc.h"
@@ -21,30 +20,6 @@ const Outcome kDuplicate{0, "Duplicated option specified.\n"};
 std::string done(const std::string& dword0 = "0x0")
 {
     return "Passthrough command is success.\nCompletion Queue Entry Dword 0: " + dword0 + "\n";
-}
-
-// The plain dump, reckoned here by itself.
-std::string rawOf(const Bytes& data)
-{
-    std::string text;
-    char piece[8];
-    for (std::size_t i = 0; i < data.size(); ++i) {
-        std::snprintf(piece, sizeof(piece), "0x%02x ", data[i]);
-        text += (i % 16 == 0 ? "\n" : "") + std::string(piece);
-    }
-    return text + "\n";
-}
-
-std::string contentOf(const std::string& path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
-std::string textOf(const Bytes& bytes)
-{
-    return {bytes.begin(), bytes.end()};
 }
 
 class PassthruCommand : public StorageTest {
@@ -204,8 +179,9 @@ TEST_F(PassthruCommand, AnOutputFileThatCannotBeOpenedStopsTheCommand)
 TEST_F(PassthruCommand, DataThatCannotBeWrittenIsNotLostInSilence)
 {
     machine.expect(from(0, 6).receives(4096).data(pattern(4096)));
-    EXPECT_EQ(command({"passthru", "-i0", "-o6", "-d4096", "-rread", "--outputfile", "/dev/full"}),
-              (Outcome{1, "passthru: cannot write '/dev/full': No space left on device\n" + done()}));
+    EXPECT_EQ(
+        command({"passthru", "-i0", "-o6", "-d4096", "-rread", "--outputfile", "/dev/full"}),
+        (Outcome{1, "passthru: cannot write '/dev/full': No space left on device; the file is incomplete\n" + done()}));
 }
 
 TEST_F(PassthruCommand, AFileForTheOtherDirectionIsNotUsed)

@@ -64,13 +64,17 @@ std::vector<std::string_view> names()
     return all;
 }
 
-INSTANTIATE_TEST_SUITE_P(All, EveryScenario, testing::ValuesIn(names()),
-                         [](const auto& scenario) { return std::string(scenario.param); });
+INSTANTIATE_TEST_SUITE_P(All, EveryScenario, testing::ValuesIn(names()), [](const auto& scenario) {
+    std::string name(scenario.param);
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+});
 
 TEST(Scenarios, AreThoseThatWePromise)
 {
     EXPECT_THAT(names(), ElementsAre("raid", "jbof", "pair", "degraded", "empty", "foreign", "sriov", "lab",
-                                     "importable", "boot", "none", "gallery"));
+                                     "importable", "boot", "seasoned", "scarred", "links", "eye-closed", "eye-at-zero",
+                                     "eye-narrow", "eye-past-range", "eye-stuck", "none", "gallery"));
     for (const Scenario& scenario : scenarios()) {
         EXPECT_FALSE(scenario.description.empty());
         EXPECT_EQ(scenario.description.find('\n'), std::string_view::npos);
@@ -81,7 +85,8 @@ TEST(Scenarios, AnUnknownNameIsAnsweredWithTheKnownOnes)
 {
     EXPECT_EQ(make_scenario("raids").error(),
               "unknown scenario 'raids'; allowed are 'raid', 'jbof', 'pair', 'degraded', 'empty', 'foreign', 'sriov', "
-              "'lab', 'importable', 'boot', 'none', 'gallery'");
+              "'lab', 'importable', 'boot', 'seasoned', 'scarred', 'links', 'eye-closed', 'eye-at-zero', 'eye-narrow', "
+              "'eye-past-range', 'eye-stuck', 'none', 'gallery'");
 }
 
 std::vector<unsigned> numbers(Machine& machine)

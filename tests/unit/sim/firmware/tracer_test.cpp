@@ -196,6 +196,20 @@ TEST_F(TracerTest, TellsTheFirmwaresVerdictOfAnEnvelope)
     EXPECT_EQ(admin(command, 16), "5 nvme0 admin identify(0x06) in=16 -> success\n");
 }
 
+TEST_F(TracerTest, TakesNoRecordThatComesAloneForAnEnvelope)
+{
+    nvme_admin_cmd command{};
+    command.opcode = 0xE2;
+    host_.answer = {'Q', 'R', 'X', ' ', 0x88, 0, 12, 0};
+    command.cdw12 = 0x04E0;
+    EXPECT_EQ(admin(command, 8), "1 nvme0 admin vendor-read(0xe2) read-oem-data(0x04e0) cdw12=0x4e0 in=8 -> success\n");
+    command.cdw12 = 0x0FE0;
+    EXPECT_EQ(admin(command, 8), "2 nvme0 admin vendor-read(0xe2) read-hba-info(0x0fe0) cdw12=0xfe0 in=8 -> success\n");
+    command.cdw12 = 0x00E0;
+    EXPECT_EQ(admin(command, 8),
+              "3 nvme0 admin vendor-read(0xe2) read-adapter-info(0x00e0) cdw12=0xe0 in=8 -> success cmd_status=0x88\n");
+}
+
 TEST_F(TracerTest, PassesTheMachineOn)
 {
     EXPECT_EQ(tracer_.controllers(), host_.controllers());

@@ -367,7 +367,7 @@ TEST(VendorCommands, WithoutRaidTheRaidCommandsAreNotSupported)
 TEST(VendorCommands, UnknownOnesAreAnInvalidFieldAndTouchNothing)
 {
     Rig rig("raid");
-    for (const QRX_U32 cdw12 : {0x00U, 0x10E0U, 0x00E6U, 0xFFFFU}) {
+    for (const QRX_U32 cdw12 : {0x00U, 0x0CE0U, 0x00E6U, 0xFFFFU}) {
         EXPECT_EQ(rig.vendor(cdw12).status, 0x002U);
         EXPECT_TRUE(rig.all_from(0, kUntouched));
     }
@@ -377,7 +377,7 @@ TEST(VendorCommands, UnknownOnesAreAnInvalidFieldAndTouchNothing)
 TEST(VendorCommands, UnknownVendorOpcodesAreInvalid)
 {
     Rig rig("raid");
-    for (const int opcode : {0xC0, 0xC7, 0xC4, 0xFF}) {
+    for (const int opcode : {0xC0, 0xC6, 0xC4, 0xFF}) {
         nvme_admin_cmd command{};
         command.opcode = static_cast<QRX_U8>(opcode);
         EXPECT_EQ(rig.admin(command).status, 0x001U);
