@@ -84,6 +84,7 @@ public:
 
     // How reads of a drive's configuration space end from now on.
     std::optional<Failure> answer_config_reads(QRX_U32 id, ConfigSpace::Answer answer);
+
     // Makes the OEM store hold what the controller left its factory with, or spoils it as OemStore::spoil does.
     std::optional<Failure> set_oem_data(std::string_view what);
 

@@ -211,8 +211,7 @@ Result<std::string> change_config_reads(Controller& controller, const ControlReq
         return Failure{"config-reads: '" + request.argument + "' is no drive id, '=' and answer; answers are " +
                        config_answers()};
     }
-    const auto failure = controller.answer_config_reads(*id, *answer);
-    return failure ? Result<std::string>(Failure{"config-reads: " + failure->text}) : std::string();
+    return done(request, controller.answer_config_reads(*id, *answer));
 }
 
 Result<std::string> change_drive(Controller& controller, const ControlRequest& request)

@@ -1,4 +1,5 @@
 // qrx_sim: runs a program on a machine with a simulated controller.
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <iomanip>
@@ -19,8 +20,13 @@ using namespace qrx::sim;
 
 void list_scenarios()
 {
+    std::size_t longest = 0;
     for (const Scenario& scenario : scenarios()) {
-        std::cout << std::left << std::setw(12) << scenario.name << scenario.description << '\n';
+        longest = std::max(longest, scenario.name.size());
+    }
+    const int width = static_cast<int>(longest) + 2;
+    for (const Scenario& scenario : scenarios()) {
+        std::cout << std::left << std::setw(width) << scenario.name << scenario.description << '\n';
     }
 }
 

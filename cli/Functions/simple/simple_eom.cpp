@@ -6,23 +6,23 @@
 #include "cli/Functions/simple/simple_pcie.h"
 #include "cli/Public/frame/option_scan.h"
 
-const char simple_eom_help[] = R"(
-eom -i <interface> [-h]
-
-Options:
-    -i,  --interface
-         PCIe interface
-              0: RC, Root Complex
-              1: EP, End Point
-    -h,  --help
-Examples:
-    eom -i 0
-    Draw RC EOM eye pattern 
-
-    eom -i 1
-    Draw EP EOM eye pattern 
-
-)";
+const char simple_eom_help[] =
+    "\n"
+    "eom -i <interface> [-h]\n"
+    "\n"
+    "Options:\n"
+    "    -i,  --interface\n"
+    "         PCIe interface\n"
+    "              0: RC, Root Complex\n"
+    "              1: EP, End Point\n"
+    "    -h,  --help\n"
+    "Examples:\n"
+    "    eom -i 0\n"
+    "    Draw RC EOM eye pattern \n"
+    "\n"
+    "    eom -i 1\n"
+    "    Draw EP EOM eye pattern \n"
+    "\n";
 
 namespace {
 

@@ -10,23 +10,23 @@
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/register.h"
 
-const char simple_pcie_help[] = R"(
-pcie -i <id> [-h]
-
-Options:
-    -i,  --id
-         id means backend device id
-              device id 0
-              device id 1
-    -h,  --help
-Examples:
-    pcie -i 0
-    Get backend device 0 information 
-
-    pcie -i 1
-    Get backend device 1 information 
-
-)";
+const char simple_pcie_help[] =
+    "\n"
+    "pcie -i <id> [-h]\n"
+    "\n"
+    "Options:\n"
+    "    -i,  --id\n"
+    "         id means backend device id\n"
+    "              device id 0\n"
+    "              device id 1\n"
+    "    -h,  --help\n"
+    "Examples:\n"
+    "    pcie -i 0\n"
+    "    Get backend device 0 information \n"
+    "\n"
+    "    pcie -i 1\n"
+    "    Get backend device 1 information \n"
+    "\n";
 
 namespace {
 

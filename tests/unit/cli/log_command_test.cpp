@@ -252,7 +252,7 @@ TEST_F(LogCommand, OnATerminalControlCharactersAreNot)
     std::fclose(shown);
     std::string text;
     char byte = 0;
-    while (read(control, &byte, 1) == 1) {  // until there is nothing left behind the closed terminal
+    while (read(control, &byte, 1) == 1) {        // until there is nothing left behind the closed terminal
         text.append(byte == '\r' ? 0 : 1, byte);  // the terminal puts its own in front of each line feed
     }
     EXPECT_EQ(result, 0);
