@@ -461,8 +461,8 @@ TEST(SpiFlash, IsALogPageOfItsOwn)
     EXPECT_EQ(rig.page[0], 0x42) << "a flash keeps what it holds";
     EXPECT_EQ(rig.log_page(0xC1, 16, 0).status, 0x109U);
     EXPECT_EQ(rig.log_page(0x00, 1024, 0).status, kGood);
-    EXPECT_EQ(rig.at<QRX_U32>(0xC0 * 4), 1U);
-    EXPECT_EQ(rig.at<QRX_U32>(0xC1 * 4), 0U);
+    EXPECT_EQ(rig.at<QRX_U32>(std::size_t{0xC0} * 4), 1U);
+    EXPECT_EQ(rig.at<QRX_U32>(std::size_t{0xC1} * 4), 0U);
 }
 
 TEST(SpiFlash, AWriteIsABlockOrNothing)
