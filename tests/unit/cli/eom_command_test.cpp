@@ -177,12 +177,12 @@ TEST_F(EomCommand, TheParametersOfAScan)
     }
     std::string map;
     for (int voltage = 63; voltage >= 3; voltage -= 4) {
-        char label[8];
+        char label[16];
         std::snprintf(label, sizeof(label), "%02x ", voltage);
         map += label + row + "\n";
     }
     for (int voltage = 0; voltage <= 60; voltage += 4) {
-        char label[8];
+        char label[16];
         std::snprintf(label, sizeof(label), "%02x ", voltage);
         map += label + row + "\n";
     }
