@@ -100,8 +100,8 @@ struct Fru {
     {
         const auto at = [&](std::size_t i) { return static_cast<QRX_U8>(image.at(i)); };
         EXPECT_EQ(at(0), 1);
-        const std::size_t product = at(4) * 8U;
-        const std::size_t length = at(product + 1) * 8U;
+        const std::size_t product = std::size_t{8} * at(4);
+        const std::size_t length = std::size_t{8} * at(product + 1);
         areas.push_back(image.substr(0, 8));
         areas.push_back(image.substr(product, length));
         std::size_t field = product + 3;
@@ -111,7 +111,7 @@ struct Fru {
             field += 1 + fields.back().size();
         }
         EXPECT_LT(field, product + length - 1);
-        for (std::size_t record = at(5) * 8U;;) {
+        for (std::size_t record = std::size_t{8} * at(5);;) {
             EXPECT_EQ(at(record + 1) & 0x0F, 2);
             types.push_back(at(record));
             areas.push_back(image.substr(record, 5));
@@ -337,8 +337,8 @@ TEST_F(Management, TheControllerTellsThatItHasOne)
     ASSERT_EQ(rig.identify(1).status, kGood);
     EXPECT_EQ(rig.at<nvme_id_ctrl>(0).oacs & 1U << 6, 1U << 6);
     ASSERT_EQ(rig.log_page(5, 4096).status, kGood);
-    EXPECT_EQ(rig.at<QRX_U32>(0x1D * 4), 1U);
-    EXPECT_EQ(rig.at<QRX_U32>(0x1E * 4), 1U);
+    EXPECT_EQ(rig.at<QRX_U32>(std::size_t{4} * 0x1D), 1U);
+    EXPECT_EQ(rig.at<QRX_U32>(std::size_t{4} * 0x1E), 1U);
 }
 
 }  // namespace
