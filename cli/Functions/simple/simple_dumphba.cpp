@@ -4,10 +4,9 @@
 #include <array>
 
 #include "cli/Public/frame/admin_command.h"
+#include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/lines.h"
-#include "cli/Public/frame/option_scan.h"
 #include "cli/Public/frame/output_file.h"
-#include "cli/Public/frame/report.h"
 #include "cli/Public/utility.h"
 
 const char simple_dumphba_help[] =
@@ -99,21 +98,14 @@ int doSDUMPHBA(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OutputFile output;
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
-    for (int letter; (letter = scan.next()) != qrx::OptionScan::kEnd;) {
-        switch (letter) {
-        case kOutputFile:
-            output.open(scan.word());
-            break;
-        case 'a':
-            if (!qrx::keyword(scan.word(), kActions)) {
-                return qrx::refuse(0, "-a : invalid action '%s'.\n", scan.word());
+    if (const auto result = qrx::passOptions(scan, pCmdInfo, "1a", 0, [&](int letter) {
+            if (letter == kOutputFile) {
+                (void)output.open(scan.word());  // a failure is told when all options are good
+                return true;
             }
-            break;
-        case qrx::OptionScan::kError:
-            return 0;
-        default:
-            return qrx::showHelp(pCmdInfo, 0);
-        }
+            return qrx::keyword(scan.word(), kActions) || qrx::complain("-a : invalid action '%s'.\n", scan.word());
+        })) {
+        return *result;
     }
     if (scan.repeated("a")) {
         return qrx::duplicateOption();
