@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
 
 #include "api/src/interface/wire/types.h"
 
@@ -68,6 +69,12 @@ const char* RaidModeStr(QRX_U8 RaidMode);
 QRX_U8 chooseBGAAction(const char* str);
 
 namespace qrx {
+
+// A row of a command table. `cmd` is lower case; all texts must outlive the table.
+constexpr Command_Info commandRow(const char* cmd, CommandHandler handler, const char* help, const char* shortHelp)
+{
+    return {cmd, static_cast<int>(std::char_traits<char>::length(cmd)) + 1, handler, help, shortHelp, 1};
+}
 
 // cmdDispatcher over tables given by the caller.
 int dispatch(int argc, char** argv, std::span<Command_Info> general, std::span<Command_Info> hidden);

@@ -1,7 +1,6 @@
 // The two command tables. Row order is the order of the `help` page.
 #include "cli/qxsetup/command_table.h"
 
-#include <cstring>
 #include <iterator>
 
 #include "cli/Functions/builtin/adapter.h"
@@ -40,66 +39,59 @@
 #include "cli/Functions/standard/mi_vpdread.h"
 #include "cli/Functions/standard/mi_vpdwrite.h"
 
-namespace {
-
-constexpr Command_Info row(const char* cmd, CommandHandler handler, const char* help, const char* shortHelp)
-{
-    return {cmd, static_cast<int>(std::char_traits<char>::length(cmd)) + 1, handler, help, shortHelp, 1};
-}
-
-}  // namespace
+using qrx::commandRow;
 
 // clang-format off
 Command_Info generalCmdTableV1[] = {
-    row("?", doHelp, help_help, ":Get brief help for all commands."),
-    row("help", doHelp, help_help, ":Get brief help for all commands or detail help for one command."),
-    row("adapter", doAdapter, adapter_help, ":Default NVMe Controller the following CLI commands refers to."),
-    row("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
-    row("smart", doSmart, smart_help, ":Get SSD backend RC/Slot SMART info."),
-    row("flash", doFlash, flash_help, ":Update flash image."),
-    row("log", doSLog, simple_log_help, ":For show/on/off SPI log"),
-    row("info", doSInfo, simple_info_help,
+    commandRow("?", doHelp, help_help, ":Get brief help for all commands."),
+    commandRow("help", doHelp, help_help, ":Get brief help for all commands or detail help for one command."),
+    commandRow("adapter", doAdapter, adapter_help, ":Default NVMe Controller the following CLI commands refers to."),
+    commandRow("version", doVersion, version_help, ":Show API, CLI and support firmware version"),
+    commandRow("smart", doSmart, smart_help, ":Get SSD backend RC/Slot SMART info."),
+    commandRow("flash", doFlash, flash_help, ":Update flash image."),
+    commandRow("log", doSLog, simple_log_help, ":For show/on/off SPI log"),
+    commandRow("info", doSInfo, simple_info_help,
         ":For display NVMe Controller(hba), virtual disk(vd), physical disk(pd) or Namespace(ns) information."),
-    row("event", doSEvent, simple_event_help, ":For getting event from NVMe Controller."),
-    row("import", doSImport, simple_import_help, ":For import VD"),
-    row("init", doSINIT, simple_init_help, ":For start or stop VD initialization."),
-    row("mp", doSMP, simple_mp_help, ":For start or stop media patrol for a virtual disk."),
-    row("rebuild", doSRebuild, simple_rebuild_help, ":For start or stop VD rebuild."),
-    row("debuglv", doSDEBUGLV, simple_debuglv_help, ":For switch debug level target"),
-    row("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
-    row("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
-    row("vpdwrite", doVPDWrite, vpdwrite_help, ":Write VPD via standard MI-Send"),
-    row("oemdata", doSOEMdata, simple_oemdata_help, ":For write OEM data."),
-    row("passthru", doPassthru, passthru_help, ":Passthrough NVMe admin command to backend device"),
-    row("spi", doSPI, spi_help, ":Read and write SPI data. Maximal size of SPI data is 4096 bytes."),
-    row("vd", doSVD, simple_vd_help, ":For VD create and delete"),
-    row("reset", doSReset, simple_reset_help, simple_reset_short_help),
-    row("led", doSLed, simple_led_help, ":For control LED of device"),
-    row("vpd", doSVPD, simple_vpd_help, ":For switch VPD access target"),
-    row("dumphba", doSDUMPHBA, simple_dumphba_help, ":For dump hba info data structure"),
-    row("gpio", doSGPIO, simple_gpio_help, ":For GPIO setting in HBA info (Only for GPIO 4 to 7)"),
-    row("ns", doSNS, simple_ns_help, ":For namespace management"),
-    row("identify", doIdentify, identify_help, ":Get controller identify info."),
-    row("inverse", doInverse, simple_inverse_help, ":For GPIO 8,9,10 and 11 inverse control."),
-    row("vpdread", doVPDRead, vpdread_help, ":Read VPD via standard MI-Send and MI-Receive"),
+    commandRow("event", doSEvent, simple_event_help, ":For getting event from NVMe Controller."),
+    commandRow("import", doSImport, simple_import_help, ":For import VD"),
+    commandRow("init", doSINIT, simple_init_help, ":For start or stop VD initialization."),
+    commandRow("mp", doSMP, simple_mp_help, ":For start or stop media patrol for a virtual disk."),
+    commandRow("rebuild", doSRebuild, simple_rebuild_help, ":For start or stop VD rebuild."),
+    commandRow("debuglv", doSDEBUGLV, simple_debuglv_help, ":For switch debug level target"),
+    commandRow("get", doSGet, simple_get_help, ":For getting configuration information of NVMe Controller."),
+    commandRow("set", doSSet, simple_set_help, ":For setting configuration parameters of NVMe Controller."),
+    commandRow("vpdwrite", doVPDWrite, vpdwrite_help, ":Write VPD via standard MI-Send"),
+    commandRow("oemdata", doSOEMdata, simple_oemdata_help, ":For write OEM data."),
+    commandRow("passthru", doPassthru, passthru_help, ":Passthrough NVMe admin command to backend device"),
+    commandRow("spi", doSPI, spi_help, ":Read and write SPI data. Maximal size of SPI data is 4096 bytes."),
+    commandRow("vd", doSVD, simple_vd_help, ":For VD create and delete"),
+    commandRow("reset", doSReset, simple_reset_help, simple_reset_short_help),
+    commandRow("led", doSLed, simple_led_help, ":For control LED of device"),
+    commandRow("vpd", doSVPD, simple_vpd_help, ":For switch VPD access target"),
+    commandRow("dumphba", doSDUMPHBA, simple_dumphba_help, ":For dump hba info data structure"),
+    commandRow("gpio", doSGPIO, simple_gpio_help, ":For GPIO setting in HBA info (Only for GPIO 4 to 7)"),
+    commandRow("ns", doSNS, simple_ns_help, ":For namespace management"),
+    commandRow("identify", doIdentify, identify_help, ":Get controller identify info."),
+    commandRow("inverse", doInverse, simple_inverse_help, ":For GPIO 8,9,10 and 11 inverse control."),
+    commandRow("vpdread", doVPDRead, vpdread_help, ":Read VPD via standard MI-Send and MI-Receive"),
 };
 
 Command_Info hiddenCmdTableV1[] = {
-    row("--debug", doDebug, debug_help, debug_sh),
-    row("gen", doGen, gen_help,
+    commandRow("--debug", doDebug, debug_help, debug_sh),
+    commandRow("gen", doGen, gen_help,
         ":Using for generate PRP data which file name is prp_data and size is 4K for nvme standard admin command"),
-    row("reg", doSReg, simple_reg_help, ":For read and write PCIe register. Maximal size of data is 4 bytes."),
-    row("qxf", doSQXF, simple_qxf_help, ":For control manufacture flash tool"),
-    row("protect", doSProtect, simple_protect_help, ":For control protection area"),
-    row("i2c", doSi2c, simple_i2c_help, ":For test i2c device"),
-    row("pcie", doSpcie, simple_pcie_help, ":For get PCIe information from backend device"),
-    row("eom", doSeom, simple_eom_help, ":Draw RC/EP EOM eye pattern"),
-    row("sriov", doSSRIOV, simple_sriov_help, ":For control SRIOV feature"),
-    row("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
-    row("getoemdata", doSGetOEMdata, simple_getoemdata_help, ":For read OEM data."),
-    row("mi_passthruread", doMIPassthruRead, mi_passthruread_help,
+    commandRow("reg", doSReg, simple_reg_help, ":For read and write PCIe register. Maximal size of data is 4 bytes."),
+    commandRow("qxf", doSQXF, simple_qxf_help, ":For control manufacture flash tool"),
+    commandRow("protect", doSProtect, simple_protect_help, ":For control protection area"),
+    commandRow("i2c", doSi2c, simple_i2c_help, ":For test i2c device"),
+    commandRow("pcie", doSpcie, simple_pcie_help, ":For get PCIe information from backend device"),
+    commandRow("eom", doSeom, simple_eom_help, ":Draw RC/EP EOM eye pattern"),
+    commandRow("sriov", doSSRIOV, simple_sriov_help, ":For control SRIOV feature"),
+    commandRow("hotkey", doHotkey, simple_hotkey_help, ":For hotkey."),
+    commandRow("getoemdata", doSGetOEMdata, simple_getoemdata_help, ":For read OEM data."),
+    commandRow("mi_passthruread", doMIPassthruRead, mi_passthruread_help,
         ":Read pass-through command via standard MI-Send and MI-Receive"),
-    row("mi_passthruwrite", doMIPassthruWrite, mi_passthruwrite_help, ":Write pass-through command via standard MI-Send"),
+    commandRow("mi_passthruwrite", doMIPassthruWrite, mi_passthruwrite_help, ":Write pass-through command via standard MI-Send"),
 };
 // clang-format on
 

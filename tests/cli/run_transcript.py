@@ -13,7 +13,7 @@ The form of a transcript:
     2> qrx_cli: no such thing           then what it prints on standard error,
     [exit 0]                            then its exit value
 
-A `qrx_cli` line runs on a simulated controller of its own: `qrx_sim <options> -- qrx_cli ...`. A last line without a
+A `qrx_cli` line (or one of `qrx_unlisted`, the test program) runs on a simulated controller of its own: `qrx_sim <options> -- qrx_cli ...`. A last line without a
 line end is followed by `\\ no line end`. A control byte reads `\\x01`, a backslash `\\\\`. A line of standard output
 that could be taken for something else has `1> ` in front.
 """
@@ -32,10 +32,11 @@ VARIES_MARK = "# varies: "
 NO_LINE_END = "\\ no line end"
 AMBIGUOUS = re.compile(r"(1> |2> |\$ |# |\[exit |\\ no line end)")
 
-# Both names are functions of the shell that runs a line, so that a line reads as a reader would type it.
+# The names are functions of the shell that runs a line, so that a line reads as a reader would type it.
 PRELUDE = """
 qrx_sim() { command qrx_sim $TRANSCRIPT_SIM "$@"; }
 qrx_cli() { qrx_sim $TRANSCRIPT_OPTIONS -- qrx_cli "$@"; }
+qrx_unlisted() { qrx_sim $TRANSCRIPT_OPTIONS -- qrx_unlisted "$@"; }
 """
 
 
