@@ -8,6 +8,8 @@
 #include "api/src/interface/globals.h"
 #include "api/src/interface/pair_request.h"
 
+using qrx::PairCode;
+
 namespace {
 
 constexpr QRX_U32 kDefaultFlashSize = 0x800000;
@@ -42,12 +44,32 @@ QRX_U32 QRX_Adapter_SetTime(QRX_U16 adapter_id, PNVME_Adapter_Time adapter_time)
 
 QRX_U32 QRX_Adapter_GetInfo(QRX_U16 adapter_id, PNVME_Adapter_Info adapter_info)
 {
-    const QRX_U32 status = qrx::pairRequest(adapter_id, {kGroupAdapter, qrx::kSubReadAdapterInfo}, {}, adapter_info,
-                                            sizeof(*adapter_info));
+    const QRX_U32 status = qrx::pairReceive(adapter_id, {PairCode::kAdapterGetInfo}, adapter_info);
     if (status == 0) {
         putDefaults(*adapter_info);
     }
     return status;
+}
+
+QRX_U32 QRX_Adapter_GetConfig(QRX_U16 adapter_id, PNVME_Adapter_Config adapter_config)
+{
+    return qrx::pairReceive(adapter_id, {PairCode::kAdapterGetConfig}, adapter_config);
+}
+
+QRX_U32 QRX_Adapter_SetConfig(QRX_U16 adapter_id, PNVME_Adapter_Config adapter_config)
+{
+    return qrx::pairSend(adapter_id, {PairCode::kAdapterSetConfig}, *adapter_config);
+}
+
+QRX_U32 QRX_Adapter_LED(QRX_U8 adapter_id, PNVME_LED led)
+{
+    return qrx::pairSend(adapter_id, {PairCode::kAdapterLed}, *led);
+}
+
+QRX_U32 QRX_Adapter_OEM(QRX_U8 /*adapter_id*/, PQRXItem_OEM_Data /*adapter_oem*/)
+{
+    std::puts("not support now");
+    return 0;
 }
 
 QRX_U32 QRX_Adapter_GetSimpleInfo(QRX_U8 adapter_id, PNVME_Adapter_Info record)

@@ -5,6 +5,7 @@
 
 #include "api/src/device/common/AdapterRecord.h"
 #include "api/src/interface/agent.h"
+#include "api/src/interface/pair_request.h"
 
 namespace {
 
@@ -33,4 +34,10 @@ QRX_U32 QRX_NS_GetInfo(QRX_U8 adapter_id, PNVME_NS_Info ns_info, QRX_U8 maxNS)
     }
     std::memcpy(ns_info, page.data() + kReceiveDataOffset, std::min(maxNS, kNsListMax) * sizeof(*ns_info));
     return 0;
+}
+
+QRX_U32 QRX_NS_GetInfo_VD(QRX_U8 adapter_id, PNVME_NS_Info ns_info, QRX_U16 vd_id, QRX_U8 numOfNS)
+{
+    return qrx::pairRequest(adapter_id, {qrx::PairCode::kNsGetInfoVd, vd_id}, {},
+                            qrx::bytesFrom(ns_info, std::min(numOfNS, kNsListMax) * sizeof(*ns_info)));
 }

@@ -13,3 +13,7 @@ inline constexpr QRX_U8 kNsListMax = (qrx::wire::kPageSize - kReceiveDataOffset)
 // at most kNsListMax. Returns the call's status, 1 on a bad signature, or the firmware's cmd_status; `ns_info` is
 // filled only on 0.
 QRX_U32 QRX_NS_GetInfo(QRX_U8 adapter_id, PNVME_NS_Info ns_info, QRX_U8 maxNS);
+
+// Reads the namespaces of VD `vd_id` over the pair command road; pair_request.h tells what is returned. `ns_info` gets
+// the first `numOfNS` records, at most kNsListMax; slots without a namespace have Status 0.
+QRX_U32 QRX_NS_GetInfo_VD(QRX_U8 adapter_id, PNVME_NS_Info ns_info, QRX_U16 vd_id, QRX_U8 numOfNS);

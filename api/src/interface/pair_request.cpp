@@ -1,27 +1,23 @@
 #include "api/src/interface/pair_request.h"
 
-#include <algorithm>
-#include <array>
-#include <cassert>
-
 #include "api/src/device/common/DeviceManagement.h"
 
 namespace {
 
 constexpr QRX_U8 kPairRequest = 250;  // the pair device looks at neither this nor the namespace
-constexpr std::size_t kWordsMax = 4;
 
 }  // namespace
 
-QRX_U32 qrx::pairRequest(QRX_U16 adapter_id, std::initializer_list<QRX_U32> words, std::span<const QRX_U8> request,
-                         void* answer, QRX_U16 length)
+QRX_U32 qrx::pairRequest(QRX_U16 adapter_id, PairWords words, std::span<const QRX_U8> request, std::span<QRX_U8> answer)
 {
-    assert(words.size() <= kWordsMax);
-    std::array<QRX_U32, kWordsMax> cmd{};
-    std::copy(words.begin(), words.end(), cmd.begin());
+    if (request.size() > kPairRequestMax || answer.size() > kPairAnswerMax) {
+        return kPairFailed;
+    }
+    const auto code = static_cast<QRX_U32>(words.code);
+    QRX_U32 cmd[] = {code >> 8U, code & 0xFFU, words.argument.value_or(0)};
     PDeviceManagement table = GetDeviceManagementInstance();
     PDevice device = table->getDevice(table, adapter_id);
-    return device->sendCommand(device, kPairRequest, 0, cmd.data(), static_cast<QRX_U8>(words.size()),
-                               const_cast<QRX_U8*>(request.data()), static_cast<QRX_U16>(request.size()), answer,
-                               length);
+    return device->sendCommand(device, kPairRequest, 0, cmd, words.argument ? 3 : 2,
+                               const_cast<QRX_U8*>(request.data()), static_cast<QRX_U16>(request.size()), answer.data(),
+                               static_cast<QRX_U16>(answer.size()));
 }

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "api/src/device/common/AdapterRecord.h"
+#include "api/src/function/sysnotify/sysnotify.h"
 #include "api/src/function/systemdisk/systemdisk.h"
 #include "api/src/interface/adapter.h"
 #include "api/src/interface/agent.h"
@@ -13,6 +14,8 @@
 #include "api/src/interface/globals.h"
 #include "api/src/interface/ns.h"
 #include "api/src/interface/pair_request.h"
+
+using qrx::PairCode;
 
 namespace {
 
@@ -48,9 +51,46 @@ QRX_U32 QRX_Adapter_GetSimpleVDInfo(QRX_U8 /*adapter_id*/, QRX_U16 id, PNVME_VD_
 
 QRX_U32 QRX_VD_GetInfo(QRX_U8 adapter_id, PNVME_VD_Info_Request vd_info)
 {
-    const std::size_t length = sizeof(RequestHeader) + vd_info->header.numRequested * sizeof(NVME_VD_Info);
-    return qrx::pairRequest(adapter_id, {kGroupVd, qrx::kSubReadVdInfo}, qrx::recordBytes(vd_info->header), vd_info,
-                            static_cast<QRX_U16>(length));
+    return qrx::pairList(adapter_id, {PairCode::kVdGetInfo}, vd_info);
+}
+
+QRX_U32 QRX_VD_GetConfig(QRX_U8 adapter_id, PNVME_VD_Config_Request vd_config)
+{
+    return qrx::pairList(adapter_id, {PairCode::kVdGetConfig}, vd_config);
+}
+
+QRX_U32 QRX_VD_SetConfig(QRX_U8 adapter_id, PNVME_VD_Config_Request vd_config)
+{
+    const std::size_t length = sizeof(RequestHeader) + vd_config->header.numRequested * sizeof(NVME_VD_Config);
+    return qrx::pairRequest(adapter_id, {PairCode::kVdSetConfig}, qrx::bytesFrom(vd_config, length), {});
+}
+
+QRX_U32 QRX_VD_Create(QRX_U8 adapter_id, PNVME_Create_VD create_para)
+{
+    before_create_vd(adapter_id);
+    create_para->QueryLDSize = 0;
+    const QRX_U32 status = qrx::pairSend(adapter_id, {PairCode::kVdCreate}, *create_para);
+    return status != 0 ? status : after_create_vd(adapter_id);
+}
+
+QRX_U32 QRX_VD_QuerySize(QRX_U8 adapter_id, PNVME_Create_VD create_para, PNVME_PreCreate_VD pre_create_para)
+{
+    create_para->QueryLDSize = 1;
+    return qrx::pairRequest(adapter_id, {PairCode::kVdCreate}, qrx::recordBytes(*create_para),
+                            qrx::bytesFrom(pre_create_para));
+}
+
+QRX_U32 QRX_VD_Delete(QRX_U8 adapter_id, QRX_U16 vd_id)
+{
+    before_delete_vd(adapter_id, vd_id);
+    const QRX_U32 status = qrx::pairSend(adapter_id, {PairCode::kVdDelete}, NVME_VD_Delete{vd_id, 0, {}});
+    return status != 0 ? status : after_delete_vd(adapter_id);
+}
+
+QRX_U32 QRX_VD_Import(QRX_U8 adapter_id, PRequestHeader pRequestHeader)
+{
+    const QRX_U32 status = qrx::pairSend(adapter_id, {PairCode::kVdImport}, *pRequestHeader);
+    return status != 0 ? status : after_import_vd(adapter_id);
 }
 
 QRX_U32 QRX_VD_Has_OS(QRX_U8 adapter_id, QRX_U16 vdId, QRX_U8 maxNS)

@@ -67,17 +67,6 @@ TEST_F(TypedCalls, VdInfoReadsHeaderAndRecordIntoTheSamePlace)
     EXPECT_EQ(bytesOf(request), pattern(196, 7));
 }
 
-TEST_F(TypedCalls, VdInfoOfMoreThanAFrameHoldsIsNotSent)
-{
-    NVME_VD_Info_Request request{};
-    for (const QRX_U8 count : Bytes{23, 255}) {
-        request.header.numRequested = count;
-        const Bytes before = bytesOf(request);
-        EXPECT_EQ(QRX_VD_GetInfo(1, &request), 1U);
-        EXPECT_EQ(bytesOf(request), before);
-    }
-}
-
 TEST_F(TypedCalls, ARefusalLeavesTheVdRequestAlone)
 {
     NVME_VD_Info_Request request{};

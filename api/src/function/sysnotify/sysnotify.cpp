@@ -17,7 +17,6 @@ constexpr QRX_U16 UCD_HIU_NUM = 34;
 
 constexpr QRX_U8 kNamespaceAttachment = 21;
 constexpr QRX_U8 kFirstReservedNsid = 255;
-constexpr QRX_U8 kRequestType = 2;
 
 // One direction of the Namespace Attachment command: its CDW10, whom it concerns, and what is logged.
 struct Direction {
@@ -46,9 +45,7 @@ int countVds(QRX_U8 adapter_id, QRX_U8 maxVd)
     int count = 0;
     for (QRX_U16 index = 0; index < maxVd; ++index) {
         NVME_VD_Info_Request request{};
-        request.header.requestType = kRequestType;
-        request.header.start = index;
-        request.header.numRequested = 1;
+        request.header = qrx::oneOf(index);
         if (QRX_VD_GetInfo(adapter_id, &request) == 0) {
             ++count;
         }

@@ -101,7 +101,20 @@ struct _NVME_Adapter_Config {
     QRX_U8 Reserved[14];
 };
 using NVME_Adapter_Config = _NVME_Adapter_Config;
+using PNVME_Adapter_Config = _NVME_Adapter_Config*;
 static_assert(sizeof(_NVME_Adapter_Config) == 16);
+static_assert(offsetof(_NVME_Adapter_Config, BGARate) == 1);
+
+// The state of a host LED.
+struct _NVME_LED {
+    QRX_U16 id;     // end point, 0-based
+    QRX_U8 status;  // 0 off, 1 on, 2 slow blink, 3 quick blink
+    QRX_U8 reserved[5];
+};
+using NVME_LED = _NVME_LED;
+using PNVME_LED = _NVME_LED*;
+static_assert(sizeof(_NVME_LED) == 8);
+static_assert(offsetof(_NVME_LED, status) == 2);
 
 // The controller's clock: seconds since the epoch, UTC, in three 16-bit pieces.
 struct _NVME_Adapter_Time {

@@ -49,6 +49,7 @@ struct _NVME_BGA_REQUEST {
     NVME_BGA_STATUS data;  // one or more
 };
 using NVME_BGA_REQUEST = _NVME_BGA_REQUEST;
+using PNVME_BGA_REQUEST = _NVME_BGA_REQUEST*;
 static_assert(sizeof(_NVME_BGA_REQUEST) == 24);
 
 struct _NVME_Rebuild {
@@ -57,7 +58,9 @@ struct _NVME_Rebuild {
     QRX_U8 reserved[4];
 };
 using NVME_Rebuild = _NVME_Rebuild;
+using PNVME_Rebuild = _NVME_Rebuild*;
 static_assert(sizeof(_NVME_Rebuild) == 8);
+static_assert(offsetof(_NVME_Rebuild, PDID) == 2);
 
 struct _NVME_VD_Init {
     QRX_U16 ID;
@@ -66,6 +69,7 @@ struct _NVME_VD_Init {
 };
 using NVME_VD_Init = _NVME_VD_Init;
 static_assert(sizeof(_NVME_VD_Init) == 8);
+static_assert(offsetof(_NVME_VD_Init, Init_Type) == 2);
 
 struct _NVME_VD_Sync {
     QRX_U16 ID;
@@ -83,13 +87,16 @@ static_assert(sizeof(_NVME_VD_MP) == 8);
 
 struct _NVME_Migrate {
     QRX_U16 ID;
-    QRX_U8 RaidMode;
-    QRX_U8 MemberCount;
+    QRX_U8 RaidMode;     // RAID mode code
+    QRX_U8 MemberCount;  // valid entries of PDIDs
     QRX_U8 SubLDCount;
     QRX_U8 NumParityDisk;
     QRX_U8 reserved[2];
-    QRX_U8 PDIDs[32];
+    QRX_U8 PDIDs[32];  // 0-based
 };
 using NVME_Migrate = _NVME_Migrate;
+using PNVME_Migrate = _NVME_Migrate*;
 static_assert(sizeof(_NVME_Migrate) == 40);
+static_assert(offsetof(_NVME_Migrate, RaidMode) == 2);
+static_assert(offsetof(_NVME_Migrate, NumParityDisk) == 5);
 static_assert(offsetof(_NVME_Migrate, PDIDs) == 8);

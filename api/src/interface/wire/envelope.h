@@ -37,7 +37,7 @@ static_assert(offsetof(_NVMESendData, vendor_cmd) == 8);
 // Prefix of the list requests of the pair command road.
 struct _RequestHeader {
     QRX_U16 size;        // left 0
-    QRX_U8 requestType;  // 2
+    QRX_U8 requestType;  // kRequestType
     QRX_U8 reserved1;
     QRX_U16 start;        // first index wanted
     QRX_U8 numRequested;  // count wanted
@@ -46,6 +46,23 @@ struct _RequestHeader {
     QRX_U8 reserved2[6];
 };
 using RequestHeader = _RequestHeader;
+using PRequestHeader = _RequestHeader*;
+inline constexpr QRX_U8 kRequestType = 2;
 static_assert(sizeof(_RequestHeader) == 16);
+static_assert(offsetof(_RequestHeader, start) == 4);
 static_assert(offsetof(_RequestHeader, numReturned) == 7);
 static_assert(offsetof(_RequestHeader, nextStart) == 8);
+
+namespace qrx {
+
+// The header of a request about the one disk `id`.
+constexpr RequestHeader oneOf(QRX_U16 id)
+{
+    RequestHeader header{};
+    header.requestType = kRequestType;
+    header.start = id;
+    header.numRequested = 1;
+    return header;
+}
+
+}  // namespace qrx

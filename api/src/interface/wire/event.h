@@ -114,7 +114,9 @@ struct _NVME_Event_Status {
     QRX_U8 reserved[3];
 };
 using NVME_Event_Status = _NVME_Event_Status;
+using PNVME_Event_Status = _NVME_Event_Status*;
 static_assert(sizeof(_NVME_Event_Status) == 8);
+static_assert(offsetof(_NVME_Event_Status, sizeOfEventItem) == 4);
 
 struct _NVME_Event_Item {
     QRX_U16 Class;       // QRX_EVT_CLASS
@@ -139,12 +141,17 @@ static_assert(offsetof(_NVME_Event_Item, Params) == 16);
 static_assert(offsetof(_NVME_Event_Item, Oem_Class) == 32);
 static_assert(offsetof(_NVME_Event_Item, ParamCount) == 36);
 
-// A page of the binary ring, as asked for and as answered.
+// A page of the binary ring, as asked for and as answered: as many events as a page of data holds.
+inline constexpr std::size_t kPageEventsMax = (qrx::wire::kPageSize - 4) / sizeof(NVME_Event_Item);
 struct _NVME_Page_EventRequest {
     QRX_U8 Page;  // which one
     QRX_U8 Reserved[3];
-    NVME_Event_Item Events[(qrx::wire::kPageSize - 4) / sizeof(NVME_Event_Item)];  // as many as a page of data holds
+    NVME_Event_Item Events[kPageEventsMax];
+    QRX_U8 Reserved2[qrx::wire::kPageSize - 4 - kPageEventsMax * sizeof(NVME_Event_Item)];
 };
 using NVME_Page_EventRequest = _NVME_Page_EventRequest;
+using PNVME_Page_EventRequest = _NVME_Page_EventRequest*;
+static_assert(kPageEventsMax == 63);
 static_assert(offsetof(_NVME_Page_EventRequest, Events) == 4);
-static_assert(sizeof(_NVME_Page_EventRequest) == 4036);
+static_assert(offsetof(_NVME_Page_EventRequest, Reserved2) == 4036);
+static_assert(sizeof(_NVME_Page_EventRequest) == 4096);

@@ -42,6 +42,7 @@ struct _NVME_PD_Info_Request {
     NVME_PD_Info pd_info;  // one or more
 };
 using NVME_PD_Info_Request = _NVME_PD_Info_Request;
+using PNVME_PD_Info_Request = _NVME_PD_Info_Request*;
 static_assert(sizeof(_NVME_PD_Info_Request) == 120);
 
 struct _NVME_PD_MP {
@@ -50,3 +51,16 @@ struct _NVME_PD_MP {
 };
 using NVME_PD_MP = _NVME_PD_MP;
 static_assert(sizeof(_NVME_PD_MP) == 8);
+
+// Head of an item of OEM data of a disk; cbSize bytes of it follow at once.
+#pragma pack(push, 1)
+struct _QRXItem_OEM_Data {
+    QRX_U16 ID;      // PD id, 0-based
+    QRX_U16 cbSize;  // bytes behind this head
+    QRX_U8 reserved[13];
+};
+#pragma pack(pop)
+using QRXItem_OEM_Data = _QRXItem_OEM_Data;
+using PQRXItem_OEM_Data = _QRXItem_OEM_Data*;
+static_assert(sizeof(_QRXItem_OEM_Data) == 17);
+static_assert(offsetof(_QRXItem_OEM_Data, cbSize) == 2);

@@ -87,6 +87,7 @@ struct _NVME_VD_Config_Request {
     NVME_VD_Config vd_config;  // one or more
 };
 using NVME_VD_Config_Request = _NVME_VD_Config_Request;
+using PNVME_VD_Config_Request = _NVME_VD_Config_Request*;
 static_assert(sizeof(_NVME_VD_Config_Request) == 40);
 
 struct _NVME_Create_VD {
@@ -110,6 +111,7 @@ struct _NVME_Create_VD {
     QRX_U64 NSSize[64];
 };
 using NVME_Create_VD = _NVME_Create_VD;
+using PNVME_Create_VD = _NVME_Create_VD*;
 static_assert(sizeof(_NVME_Create_VD) == 624);
 static_assert(offsetof(_NVME_Create_VD, PDIDs) == 12);
 static_assert(offsetof(_NVME_Create_VD, Name) == 76);
@@ -122,6 +124,7 @@ struct _NVME_PreCreate_VD {
     QRX_U64 LBA;         // sectors
 };
 using NVME_PreCreate_VD = _NVME_PreCreate_VD;
+using PNVME_PreCreate_VD = _NVME_PreCreate_VD*;
 static_assert(sizeof(_NVME_PreCreate_VD) == 16);
 
 struct _NVME_VD_Delete {
