@@ -24,6 +24,4 @@ inline constexpr QRX_U8 kRateHigh = 0;
 inline constexpr QRX_U8 kRateMedium = 2;
 inline constexpr QRX_U8 kRateLow = 32;
 
-inline constexpr char kRefusedInJbof[] = "This feature is not support JBOF.\n";
-
 }  // namespace qrx

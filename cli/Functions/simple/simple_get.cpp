@@ -3,10 +3,10 @@
 #include "api/src/interface/globals.h"
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Public/frame/admin_command.h"
-#include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/number.h"
+#include "cli/Public/frame/raid_only.h"
 
 const char simple_get_help[] =
     "\n"
@@ -108,8 +108,8 @@ int doSGet(int argc, char** argv, PCommand_Info pCmdInfo)
     if (!scan.has('o')) {
         return qrx::optionRequired(pCmdInfo, 'o', 1);
     }
-    if (qrx::isJbof(qrx::recordOf(gCurrentAdapter))) {
-        return qrx::refuse(int{sizeof(qrx::kRefusedInJbof)} - 1, qrx::kRefusedInJbof);  // its length is the result
+    if (qrx::refusedInJbof()) {
+        return qrx::kJbofResult;
     }
     if (scan.has('i')) {
         return showTarget(id);

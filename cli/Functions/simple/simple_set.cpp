@@ -2,9 +2,9 @@
 #include "api/src/interface/globals.h"
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Public/frame/admin_command.h"
-#include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
+#include "cli/Public/frame/raid_only.h"
 
 const char simple_set_help[] =
     "\n"
@@ -106,8 +106,8 @@ int doSSet(int argc, char** argv, PCommand_Info pCmdInfo)
     if (!scan.has('o')) {
         return qrx::optionRequired(pCmdInfo, 'o', 1);
     }
-    if (qrx::isJbof(qrx::recordOf(gCurrentAdapter))) {
-        return qrx::refuse(1, qrx::kRefusedInJbof);
+    if (qrx::refusedInJbof()) {
+        return 1;
     }
     NVME_Adapter_Config config{};
     if (qrx::readConfig(gCurrentAdapter, config) != 0) {
