@@ -15,13 +15,21 @@
 #include <cstring>
 #include <string>
 
+#include "api/src/device/common/AdapterRecord.h"
 #include "api/src/device/common/DeviceManagement.h"
 #include "api/src/interface/globals.h"
 #include "api/src/interface/wire/envelope.h"
+#include "cli/Functions/simple/eom_scan.h"
 #include "cli/Public/common.h"
 #include "cli/qxsetup/command_table.h"
 
 namespace qrx::fuzz {
+
+void limitPorts(std::uint8_t& ports)
+{
+    ports &= 1U;
+}
+
 namespace {
 
 Answer answer;
@@ -40,11 +48,17 @@ Device device()
         return reply(out, length);
     };
     made.sendNVM = made.sendCommand;
-    made.sendPassthruAdmin = [](PDevice, void*, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32* result) {
+    made.sendPassthruAdmin = [](PDevice, void* record, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32* result) {
         if (result != nullptr) {
             *result = 0x51525801;
         }
-        return reply(out, length);
+        const QRX_U32 status = reply(out, length);
+        _qrx_admin_command_format command;
+        std::memcpy(&command, record, sizeof(command));
+        if (out != nullptr && length >= wire::kPageSize && command.CDW[12] == readAdapterCommand().CDW[12]) {
+            limitPorts(static_cast<std::uint8_t*>(out)[kReceiveDataOffset + offsetof(NVME_Adapter_Info, PortCount)]);
+        }
+        return status;
     };
     made.closeHandle = [](PDevice) {};
     made.getNVMEDevice = [](PDevice self) { return self; };
@@ -68,6 +82,26 @@ std::span<const std::uint8_t> Speech::next(std::size_t most)
     return taken;
 }
 
+std::size_t goRound(std::span<std::uint8_t> out, std::span<const std::uint8_t> told, std::size_t at)
+{
+    if (out.empty() || told.empty()) {
+        std::fill(out.begin(), out.end(), std::uint8_t{0});
+        return at;
+    }
+    const std::size_t first = std::min(told.size() - at, out.size());
+    std::memcpy(out.data(), told.data() + at, first);
+    std::size_t done = std::min(told.size(), out.size());
+    if (done > first) {
+        std::memcpy(out.data() + first, told.data(), done - first);
+    }
+    while (done < out.size()) {  // whole rounds, twice as many each time
+        const std::size_t piece = std::min(done, out.size() - done);
+        std::memcpy(out.data() + done, out.data(), piece);
+        done += piece;
+    }
+    return (at + out.size()) % told.size();
+}
+
 Answer spoken(Speech& speech)
 {
     return [&speech](std::span<std::uint8_t> out) -> std::uint32_t {
@@ -80,9 +114,7 @@ Answer spoken(Speech& speech)
         const std::span<const std::uint8_t> told =
             speech.next(std::size_t{speech.next()} * ((how & kPages) != 0 ? 64 : 8));
         const std::size_t most = (how & kShort) != 0 ? std::min(told.size(), out.size()) : out.size();
-        for (std::size_t i = 0; i < most; ++i) {
-            out[i] = told.empty() ? std::uint8_t{0} : told[i % told.size()];
-        }
+        goRound(out.first(most), told, 0);
         if ((how & kSigns) != 0 && out.size() >= kReceiveDataOffset) {
             std::copy(std::begin(kFrameSign), std::end(kFrameSign), out.begin());
             out[offsetof(NVMEReceiveData, cmd_status)] = 0;
@@ -116,6 +148,7 @@ World::World(Answer answers, std::span<const std::uint8_t> file)
     gNumAdaptersFound = 1;
     gCurrentAdapter = 0;
     gSpecificAdapterFlag = 0;
+    eom::patience = {3, std::chrono::milliseconds(0), 3};
     sealed = true;
 }
 

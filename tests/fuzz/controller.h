@@ -29,6 +29,14 @@ private:
     std::span<const std::uint8_t> left_;
 };
 
+// Fills `out` with `told` from its byte `at` on, again and again; with zeros if nothing is told. Returns where it ends.
+// For pages by the thousand: it copies pieces, because a loop over bytes costs a measured comparison for each.
+std::size_t goRound(std::span<std::uint8_t> out, std::span<const std::uint8_t> told, std::size_t at);
+
+// Takes from the ports that a controller says it has until it has at most one, with up to 255 disks. `info -o pd` asks
+// for each disk that there may be, and takes half a second for 255 ports.
+void limitPorts(std::uint8_t& ports);
+
 // Answers one command: fills `out`, and returns the status.
 using Answer = std::function<std::uint32_t(std::span<std::uint8_t> out)>;
 
@@ -36,7 +44,8 @@ using Answer = std::function<std::uint32_t(std::span<std::uint8_t> out)>;
 Answer spoken(Speech& speech);
 
 // While it lives: one controller that answers, in slot 0 of the device table; `stream` and standard output lead
-// nowhere; no file is opened for writing, and those opened for reading hold `file`; no time goes by in sleeps.
+// nowhere; no file is opened for writing, and those opened for reading hold `file`; no time goes by in sleeps, nor in
+// waits for a bit of the eye monitor.
 class World {
 public:
     World(Answer answer, std::span<const std::uint8_t> file);

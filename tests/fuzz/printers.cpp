@@ -26,6 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::uint8_t choice = data[1];
     NVME_Adapter_Info info;
     std::memcpy(&info, data + 2, sizeof(info));
+    limitPorts(info.PortCount);
     const std::span<const std::uint8_t> payload(data + 2 + sizeof(info), size - 2 - sizeof(info));
 
     std::size_t at = 0;
@@ -36,9 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 std::memset(out.data(), 0, kReceiveDataOffset);
                 std::memcpy(out.data(), kFrameSign, sizeof(kFrameSign));
             }
-            for (std::uint8_t& byte : out.subspan(sign ? kReceiveDataOffset : 0)) {
-                byte = payload.empty() ? std::uint8_t{0} : payload[at++ % payload.size()];
-            }
+            at = goRound(out.subspan(sign ? kReceiveDataOffset : 0), payload, at);
             return 0U;
         },
         payload);
