@@ -36,7 +36,7 @@ Answer answer;
 std::span<const std::uint8_t> content;
 std::atomic<bool> sealed = false;  // a world lives
 
-QRX_U32 reply(void* out, QRX_U16 length)
+QRX_U32 reply(void* out, QRX_U32 length)
 {
     return out == nullptr ? answer({}) : answer({static_cast<std::uint8_t*>(out), length});
 }
@@ -47,7 +47,9 @@ Device device()
     made.sendCommand = [](PDevice, QRX_U8, QRX_U32, QRX_U32*, QRX_U8, void*, QRX_U16, void* out, QRX_U16 length) {
         return reply(out, length);
     };
-    made.sendNVM = made.sendCommand;
+    made.sendNVM = [](PDevice, QRX_U8, QRX_U32, QRX_U32*, QRX_U8, void*, QRX_U32, void* out, QRX_U32 length) {
+        return reply(out, length);
+    };
     made.sendPassthruAdmin = [](PDevice, void* record, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32* result) {
         if (result != nullptr) {
             *result = 0x51525801;

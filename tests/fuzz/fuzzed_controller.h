@@ -96,7 +96,7 @@ private:
     // Bits of the byte that says how a command ends.
     enum : std::uint8_t { kFails = 1, kSigns = 2, kShort = 4, kRepairs = 8 };
 
-    QRX_U32 answer(void* out_data, QRX_U16 out_data_length)
+    QRX_U32 answer(void* out_data, QRX_U32 out_data_length)
     {
         const std::uint8_t how = nextByte();
         auto* out = static_cast<QRX_U8*>(out_data);
@@ -115,7 +115,7 @@ private:
         return (how & kFails) != 0 ? nextByte() * 0x10001U : 0;
     }
 
-    void inspect(const void* in_data, QRX_U16 in_data_length) const
+    void inspect(const void* in_data, QRX_U32 in_data_length) const
     {
         if (inspect_ != nullptr && in_data != nullptr) {
             inspect_({static_cast<const QRX_U8*>(in_data), in_data_length});
@@ -130,7 +130,11 @@ private:
             current_->inspect(in, in_length);
             return current_->answer(out, length);
         };
-        device.sendNVM = device.sendCommand;
+        device.sendNVM = [](PDevice, QRX_U8, QRX_U32, QRX_U32*, QRX_U8, void* in, QRX_U32 in_length, void* out,
+                            QRX_U32 length) {
+            current_->inspect(in, in_length);
+            return current_->answer(out, length);
+        };
         device.sendPassthruAdmin = [](PDevice, void*, void* in, QRX_U16 in_length, void* out, QRX_U16 length,
                                       QRX_U32*) {
             current_->inspect(in, in_length);

@@ -168,7 +168,7 @@ QRX_U32 QRX_Adapter_Admin(QRX_U8 adapter_id, QRX_U8 opc, QRX_U32 name_space, QRX
 }
 
 QRX_U32 QRX_Adapter_NVM(QRX_U8 adapter_id, QRX_U8 opc, QRX_U32 name_space, QRX_U32* CDW, QRX_U8 CDW_length,
-                        void* data_in, QRX_U16 data_in_length, void* data_out, QRX_U16 data_out_length)
+                        void* data_in, QRX_U32 data_in_length, void* data_out, QRX_U32 data_out_length)
 {
     PDevice device = nvmeDevice(adapter_id);
     return device->sendNVM(device, opc, name_space, CDW, CDW_length, data_in, data_in_length, data_out,

@@ -197,13 +197,29 @@ TEST_F(NvmeDevice, AFailedFirmwareDownloadAlwaysReadsAsOne)
     }
 }
 
-TEST_F(NvmeDevice, RefusesLengthsAboveAPageInEitherDirection)
+TEST_F(NvmeDevice, AStandardCommandMayCarryMoreThanAPage)
 {
-    Bytes large(4097);
-    EXPECT_EQ(send(6, &large, nullptr), 1U);
-    EXPECT_EQ(send(6, nullptr, &large), 1U);
+    whole_page = false;
+    Bytes in = pattern(4168, 3);
+    EXPECT_EQ(send(29, &in, nullptr), 0U);
+    EXPECT_EQ(sent.data_len, 4168U);
+    EXPECT_EQ(sent.addr % 4096, 0U);
+    EXPECT_EQ(data_sent, in);
+    answer = pattern(8192, 50);
+    Bytes out(8192);
+    EXPECT_EQ(send(30, nullptr, &out), 0U);
+    EXPECT_EQ(sent.data_len, 8192U);
+    EXPECT_EQ(out, answer);
+}
+
+TEST_F(NvmeDevice, RefusesLengthsAboveTheirLimitInEitherDirection)
+{
+    Bytes huge(8193);
+    EXPECT_EQ(send(6, &huge, nullptr), 1U);
+    EXPECT_EQ(send(6, nullptr, &huge), 1U);
     Bytes small(8);
-    EXPECT_EQ(send(6, &small, &large), 1U);
+    EXPECT_EQ(send(6, &small, &huge), 1U);
+    Bytes large(4097);
     _qrx_admin_command_format record{};
     QRX_U32 dword0 = 77;
     EXPECT_EQ(device->sendPassthruAdmin(device.get(), &record, large.data(), 4097, nullptr, 0, &dword0), 1U);
@@ -374,6 +390,15 @@ TEST_F(NvmeDevice, IoCommandsReadIntoTheAnswersBuffer)
     EXPECT_EQ(device->sendNVM(device.get(), 2, 1, nullptr, 0, nullptr, 0, out.data(), 1024), 0x281U);
     status = -1;
     EXPECT_EQ(device->sendNVM(device.get(), 2, 1, nullptr, 0, nullptr, 0, out.data(), 1024), kDriverFailed);
+}
+
+TEST_F(NvmeDevice, IoCommandsTakeLengthsOfMoreThanSixteenBits)
+{
+    whole_page = false;
+    Bytes in = pattern(0x20000, 7);
+    EXPECT_EQ(device->sendNVM(device.get(), 5, 1, nullptr, 0, in.data(), 0x20000, nullptr, 0), 0U);
+    EXPECT_EQ(sent.data_len, 0x20000U);
+    EXPECT_EQ(data_sent, in);
 }
 
 TEST_F(NvmeDevice, RefusesEveryOtherIoOpcode)

@@ -35,8 +35,8 @@ Bytes copyOf(const void* data, std::size_t length)
 }
 
 QRX_U32 plainCommand(Road road, PDevice _this, QRX_U8 opc_code, QRX_U32 name_space, const QRX_U32* cmd,
-                     QRX_U8 cmd_length, const void* in_data, QRX_U16 in_data_length, void* out_data,
-                     QRX_U16 out_data_length)
+                     QRX_U8 cmd_length, const void* in_data, QRX_U32 in_data_length, void* out_data,
+                     QRX_U32 out_data_length)
 {
     Command got;
     got.road = road;
@@ -58,7 +58,7 @@ QRX_U32 sendCommand(PDevice _this, QRX_U8 opc_code, QRX_U32 name_space, QRX_U32*
 }
 
 QRX_U32 sendNVM(PDevice _this, QRX_U8 opc_code, QRX_U32 name_space, QRX_U32* cmd, QRX_U8 cmd_length, void* in_data,
-                QRX_U16 in_data_length, void* out_data, QRX_U16 out_data_length)
+                QRX_U32 in_data_length, void* out_data, QRX_U32 out_data_length)
 {
     return plainCommand(Road::kNvm, _this, opc_code, name_space, cmd, cmd_length, in_data, in_data_length, out_data,
                         out_data_length);

@@ -14,16 +14,17 @@ using PDevice = _Device*;
 struct _Device {
     PQRXLock m_lock;  // owned; null: no lock
 
-    // Sends a standard admin command. `cmd` holds `cmd_length` words that become CDW10 onward. Lengths are bytes.
+    // Sends a standard admin command. `cmd` holds `cmd_length` words that become CDW10 onward. Lengths are bytes, of
+    // an admin command at most 8192.
     // Data to the device when in_data_length is not 0, otherwise out_data is sent along and filled on success.
     // Returns 0, a positive NVMe status, 0xFFFFFFFF (-1) from the driver, or 1 where nothing could be sent.
     QRX_U32(*sendCommand)
     (PDevice _this, QRX_U8 opc_code, QRX_U32 name_space, QRX_U32* cmd, QRX_U8 cmd_length, void* in_data,
      QRX_U16 in_data_length, void* out_data, QRX_U16 out_data_length);
-    // Sends an I/O command; arguments and result as sendCommand.
+    // Sends an I/O command; arguments and result as sendCommand. Its data may be longer than 16 bits can tell.
     QRX_U32(*sendNVM)
     (PDevice _this, QRX_U8 opc_code, QRX_U32 name_space, QRX_U32* cmd, QRX_U8 cmd_length, void* in_data,
-     QRX_U16 in_data_length, void* out_data, QRX_U16 out_data_length);
+     QRX_U32 in_data_length, void* out_data, QRX_U32 out_data_length);
     // Sends the whole record `pCmd` (a _qrx_admin_command_format). out_data is filled whatever the outcome.
     // `params`, if not null, gets Completion Dword 0.
     QRX_U32(*sendPassthruAdmin)

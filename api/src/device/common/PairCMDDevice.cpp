@@ -121,7 +121,7 @@ QRX_U32 PairCMDDevice_sendCommand(PDevice _this, QRX_U8 /*opc_code*/, QRX_U32 /*
     return status;
 }
 
-QRX_U32 PairCMDDevice_sendNVM(PDevice, QRX_U8, QRX_U32, QRX_U32*, QRX_U8, void*, QRX_U16, void*, QRX_U16)
+QRX_U32 PairCMDDevice_sendNVM(PDevice, QRX_U8, QRX_U32, QRX_U32*, QRX_U8, void*, QRX_U32, void*, QRX_U32)
 {
     return kNoIoRoad;
 }

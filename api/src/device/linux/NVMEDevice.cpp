@@ -21,7 +21,8 @@ namespace {
 using qrx::wire::kPageSize;
 
 constexpr QRX_U32 kNotSent = 1;
-constexpr std::size_t kCommandWords = 6;  // cdw10 to cdw15
+constexpr std::size_t kCommandWords = 6;             // cdw10 to cdw15
+constexpr std::size_t kStandardMax = 2 * kPageSize;  // bytes of a standard command: a message may be over a page
 constexpr QRX_U8 kDownloadFirmware = 0x11;
 
 // The admin commands that sendCommand lets through.
@@ -87,44 +88,53 @@ struct Transfer {
     {
         return (in != nullptr || in_length == 0) && (out != nullptr || out_length == 0);
     }
-    [[nodiscard]] bool fitsPage() const { return pointersGiven() && in_length <= kPageSize && out_length <= kPageSize; }
+    [[nodiscard]] bool fits(std::size_t most) const
+    {
+        return pointersGiven() && in_length <= most && out_length <= most;
+    }
     // What goes along with the command: the data to the device, or else the buffer for the answer, which may carry
     // a request.
     [[nodiscard]] const void* sent() const { return in_length != 0 ? in : out; }
     [[nodiscard]] std::size_t sentLength() const { return in_length != 0 ? in_length : out_length; }
 };
 
-// A page of its own for the data of one command, since the driver maps a transfer by pages.
-class BouncePage {
+// Pages of their own for the data of one command, since the driver maps a transfer by pages: one, unless the transfer
+// is longer.
+class BouncePages {
 public:
-    BouncePage() : page_(static_cast<QRX_U8*>(qx_memalign(kPageSize, kPageSize, &raw_))) {}
-    ~BouncePage() { std::free(raw_); }
-    BouncePage(const BouncePage&) = delete;
-    BouncePage& operator=(const BouncePage&) = delete;
+    explicit BouncePages(const Transfer& transfer)
+        : size_(std::max(transfer.in_length, transfer.out_length) > kPageSize ? kStandardMax : kPageSize),
+          pages_(static_cast<QRX_U8*>(qx_memalign(kPageSize, static_cast<QRX_U32>(size_), &raw_)))
+    {
+    }
+    ~BouncePages() { std::free(raw_); }
+    BouncePages(const BouncePages&) = delete;
+    BouncePages& operator=(const BouncePages&) = delete;
 
-    explicit operator bool() const { return page_ != nullptr; }
-    [[nodiscard]] const void* data() const { return page_; }
+    explicit operator bool() const { return pages_ != nullptr; }
+    [[nodiscard]] const void* data() const { return pages_; }
 
     // The data at the front, zeroes behind it: each byte is written once.
     void load(const Transfer& transfer)
     {
         const std::size_t length = transfer.sentLength();
         if (length != 0) {
-            std::memcpy(page_, transfer.sent(), length);
+            std::memcpy(pages_, transfer.sent(), length);
         }
-        std::memset(page_ + length, 0, kPageSize - length);
+        std::memset(pages_ + length, 0, size_ - length);
     }
 
     void unload(const Transfer& transfer) const
     {
         if (transfer.out_length != 0) {
-            std::memcpy(transfer.out, page_, transfer.out_length);
+            std::memcpy(transfer.out, pages_, transfer.out_length);
         }
     }
 
 private:
+    std::size_t size_;
     void* raw_ = nullptr;
-    QRX_U8* page_;
+    QRX_U8* pages_;
 };
 
 // Copies the caller's words to cdw10 onward. False when there are more of them than the command has.
@@ -153,11 +163,11 @@ QRX_U32 submit(PDevice device, unsigned long request, nvme_admin_cmd& command)
     return static_cast<QRX_U32>(status);
 }
 
-// Sends an admin command with its data in `page`, which is loaded for it.
-QRX_U32 submitAdmin(PDevice device, nvme_admin_cmd& command, const Transfer& transfer, BouncePage& page)
+// Sends an admin command with its data in `pages`, which are loaded for it.
+QRX_U32 submitAdmin(PDevice device, nvme_admin_cmd& command, const Transfer& transfer, BouncePages& pages)
 {
-    page.load(transfer);
-    command.addr = address(page.data());
+    pages.load(transfer);
+    command.addr = address(pages.data());
     command.data_len = static_cast<QRX_U32>(transfer.sentLength());
     return submit(device, NVME_IOCTL_ADMIN_CMD, command);
 }
@@ -168,26 +178,26 @@ QRX_U32 NVMEDevice_sendCommand(PDevice _this, QRX_U8 opc_code, QRX_U32 name_spac
     const Transfer transfer{in_data, in_data_length, out_data, out_data_length};
     const AdminCommand* row = rowOf(kAdminCommands, &AdminCommand::opc_code, opc_code);
     nvme_admin_cmd command{};
-    if (_this == nullptr || row == nullptr || !transfer.fitsPage() || !setWords(command, cmd, cmd_length)) {
+    if (_this == nullptr || row == nullptr || !transfer.fits(kStandardMax) || !setWords(command, cmd, cmd_length)) {
         return kNotSent;
     }
-    BouncePage page;
-    if (!page) {
+    BouncePages pages(transfer);
+    if (!pages) {
         return kNotSent;
     }
     command.opcode = row->opcode;
     command.nsid = name_space;
     command.timeout_ms = row->timeout_ms;
-    const QRX_U32 status = submitAdmin(_this, command, transfer, page);
+    const QRX_U32 status = submitAdmin(_this, command, transfer, pages);
     if (status != 0) {
         return row->opcode == kDownloadFirmware ? 1 : status;
     }
-    page.unload(transfer);
+    pages.unload(transfer);
     return status;
 }
 
 QRX_U32 NVMEDevice_sendNVM(PDevice _this, QRX_U8 opc_code, QRX_U32 name_space, QRX_U32* cmd, QRX_U8 cmd_length,
-                           void* in_data, QRX_U16 in_data_length, void* out_data, QRX_U16 out_data_length)
+                           void* in_data, QRX_U32 in_data_length, void* out_data, QRX_U32 out_data_length)
 {
     const Transfer transfer{in_data, in_data_length, out_data, out_data_length};
     const NvmCommand* row = rowOf(kNvmCommands, &NvmCommand::opcode, opc_code);
@@ -206,21 +216,21 @@ QRX_U32 NVMEDevice_sendPassthruAdmin(PDevice _this, void* pCmd, void* in_data, Q
                                      QRX_U16 out_data_length, QRX_U32* params)
 {
     const Transfer transfer{in_data, in_data_length, out_data, out_data_length};
-    if (_this == nullptr || pCmd == nullptr || !transfer.fitsPage()) {
+    if (_this == nullptr || pCmd == nullptr || !transfer.fits(kPageSize)) {
         return kNotSent;
     }
-    BouncePage page;
-    if (!page) {
+    BouncePages pages(transfer);
+    if (!pages) {
         return kNotSent;
     }
     static_assert(sizeof(nvme_admin_cmd) == sizeof(_qrx_admin_command_format::CDW));
     nvme_admin_cmd command;
     std::memcpy(&command, pCmd, sizeof(command));
-    const QRX_U32 status = submitAdmin(_this, command, transfer, page);
+    const QRX_U32 status = submitAdmin(_this, command, transfer, pages);
     if (params != nullptr) {
         *params = command.result;
     }
-    page.unload(transfer);
+    pages.unload(transfer);
     return status;
 }
 
