@@ -2,10 +2,7 @@
 #include "cli/Functions/passthru/passthru.h"
 
 #include <array>
-#include <cerrno>
 #include <cstdint>
-#include <cstdio>
-#include <cstring>
 
 #include "cli/Functions/passthru/passthru_options.h"
 #include "cli/Functions/smart/smart.h"
@@ -15,18 +12,7 @@
 
 namespace {
 
-using qrx::passthru::kInput;
-using qrx::passthru::kOutput;
 using qrx::passthru::Wish;
-
-// The file of this command, closed at its end.
-class OpenFile {
-public:
-    OpenFile() = default;
-    ~OpenFile() { close_file(); }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-};
 
 qrx::AdminCommand commandOf(const qrx::OptionScan& scan, const Wish& wish)
 {
@@ -42,21 +28,6 @@ qrx::AdminCommand commandOf(const qrx::OptionScan& scan, const Wish& wish)
         command.word(15, wish.nsid);
     }
     return command.controlId(static_cast<QRX_U16>(wish.disk));
-}
-
-// Makes the file of `letter` the open one, if it is not. An errno, or 0.
-int useFile(char letter, const Wish& wish)
-{
-    if (wish.opened == letter) {
-        return wish.openError;
-    }
-    // A file for the other direction was named behind it and has taken its place.
-    return letter == kOutput ? qrx::passthru::open(wish.output, "wb") : qrx::passthru::open(wish.input, "r");
-}
-
-int cannot(PCommand_Info row, const char* what, const char* name, int error)
-{
-    return qrx::refuse(1, "%s: cannot %s '%s': %s\n", row->cmd, what, name, std::strerror(error));
 }
 
 int lengthRefused(PCommand_Info row, const char* word)
@@ -80,46 +51,34 @@ int fail(int status)
     return qrx::refuse(status, "Passthrough command is failed.\n");
 }
 
-int receive(PCommand_Info row, const qrx::OptionScan& scan, const Wish& wish, const qrx::AdminCommand& command,
-            std::span<QRX_U8> data)
+int receive(PCommand_Info row, Wish& wish, const qrx::AdminCommand& command, std::span<QRX_U8> data)
 {
-    const bool saves = scan.has(kOutput);
-    if (const int error = saves ? useFile(kOutput, wish) : 0) {
-        return cannot(row, "open", wish.output, error);
+    if (wish.output.isNamed() && !wish.output.isOpen()) {
+        return wish.output.refuse(row);
     }
     QRX_U32 dword0 = 0;
     if (const int status = command.receive(data, gCurrentAdapter, &dword0)) {
         return fail(status);
     }
     int result = 0;
-    if (saves) {
-        errno = 0;
-        write_file(data.data(), static_cast<int>(data.size()));
-        if (std::fflush(file) != 0 || std::ferror(file) != 0) {
-            result = qrx::refuse(1, "%s: cannot write '%s': %s; the file is incomplete\n", row->cmd, wish.output,
-                                 std::strerror(errno));
-        }
-        close_file();
-    } else {
+    if (!wish.output.isNamed()) {
         _showRAWData(data.data(), static_cast<int>(data.size()));
+    } else if (!wish.output.write(data) || !wish.output.close()) {
+        result = wish.output.refuse(row);
     }
     return finish(wish, data, dword0, result);
 }
 
-int transmit(PCommand_Info row, const qrx::OptionScan& scan, const Wish& wish, const qrx::AdminCommand& command,
-             std::span<QRX_U8> data)
+int transmit(PCommand_Info row, Wish& wish, const qrx::AdminCommand& command, std::span<QRX_U8> data)
 {
-    if (scan.has(kInput)) {
-        if (useFile(kInput, wish) != 0) {
+    if (wish.input.isNamed()) {
+        if (!wish.input.isOpen()) {
             return qrx::refuse(1, "File is not exist.\n");
         }
         // As much as both hold; the rest of the data stays zero.
-        errno = 0;
-        read_file(data.data(), static_cast<int>(data.size()));
-        if (std::ferror(file) != 0) {
-            return cannot(row, "read", wish.input, errno);
+        if (!wish.input.readUpTo(data)) {
+            return wish.input.refuse(row);
         }
-        close_file();
     }
     QRX_U32 dword0 = 0;
     if (const int status = command.transmit(data, gCurrentAdapter, &dword0)) {
@@ -148,7 +107,6 @@ void _showCommandFormat(const _qrx_admin_command_format& pCmd, std::span<const Q
 
 int doPassthru(int argc, char** argv, PCommand_Info pCmdInfo)
 {
-    const OpenFile guard;
     qrx::OptionScan scan(argc, argv, qrx::passthru::kLetters, qrx::passthru::kLong);
     Wish wish;
     if (const auto result = qrx::readOptions(scan, pCmdInfo, qrx::passthru::kKnown, 0, [&](int letter) {
@@ -176,5 +134,5 @@ int doPassthru(int argc, char** argv, PCommand_Info pCmdInfo)
         _showCommandFormat(command.record(), data);
     }
     command.debug();
-    return wish.reads ? receive(pCmdInfo, scan, wish, command, data) : transmit(pCmdInfo, scan, wish, command, data);
+    return wish.reads ? receive(pCmdInfo, wish, command, data) : transmit(pCmdInfo, wish, command, data);
 }

@@ -2,13 +2,11 @@
 #include "cli/Functions/passthru/passthru_options.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 
 #include "cli/Functions/passthru/passthru.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/report.h"
-#include "cli/Public/utility.h"
 
 const char passthru_help[] =
     "\n"
@@ -70,6 +68,13 @@ const char passthru_help[] =
 
 namespace qrx::passthru {
 
+namespace {
+
+constexpr char kOutput = '8';
+constexpr char kInput = '9';
+
+}  // namespace
+
 const char kLetters[] = "t:i:u:r:p:f:o:n:m:d:\x01:s:h";
 const option kLong[] = {
     {"id", required_argument, nullptr, 'i'},
@@ -130,23 +135,7 @@ bool word(char letter, const char* text, Wish& wish)
     return number(text, wish.words.at(row->index), name.data());
 }
 
-bool openNamed(char letter, const char* name, Wish& wish)
-{
-    (letter == kOutput ? wish.output : wish.input) = name;
-    wish.opened = letter;
-    wish.openError = open(name, letter == kOutput ? "wb" : "r");
-    return true;
-}
-
 }  // namespace
-
-int open(const char* name, const char* mode)
-{
-    if (open_file(name, mode) == 0) {
-        return 0;
-    }
-    return errno != 0 ? errno : EIO;
-}
 
 bool read(int letter, const char* text, Wish& wish)
 {
@@ -173,8 +162,11 @@ bool read(int letter, const char* text, Wish& wish)
         wish.lengthWord = text;
         return number(text, wish.length, "-d: data length id");
     case kOutput:
+        (void)wish.output.open(text);
+        return true;
     case kInput:
-        return openNamed(static_cast<char>(letter), text, wish);
+        (void)wish.input.open(text);
+        return true;
     case 's':
         return true;
     default:

@@ -4,7 +4,9 @@
 #include <array>
 
 #include "api/src/interface/wire/types.h"
+#include "cli/Public/frame/input_file.h"
 #include "cli/Public/frame/option_scan.h"
+#include "cli/Public/frame/output_file.h"
 
 namespace qrx::passthru {
 
@@ -12,10 +14,6 @@ extern const char kLetters[];
 extern const option kLong[];
 inline constexpr char kKnown[] = "tirpfon23md456789s";
 inline constexpr char kOnce[] = "tirpfon23md456789";  // an error when repeated
-
-// Letters that the code names.
-inline constexpr char kOutput = '8';
-inline constexpr char kInput = '9';
 
 // The options for words of the drive's command, and their indices.
 struct WordOption {
@@ -35,17 +33,12 @@ struct Wish {
     std::array<QRX_U32, 14> words{};  // of the drive's command, by index
     int length = 0;                   // bytes of data, as typed
     const char* lengthWord = "";
-    const char* output = "";  // file names
-    const char* input = "";
-    char opened = 0;    // of the two, the one that was opened last
-    int openError = 0;  // the errno of that, or 0
+    OutputFile output;
+    InputFile input;
 };
 
-// Stores the option's argument, and opens its file; false after a complaint. A file that cannot be opened is none:
-// that is told when it is to be used.
+// Stores the option's argument, and opens its file; false after a complaint. That a file cannot be opened is told when
+// it is to be used.
 bool read(int letter, const char* word, Wish& wish);
-
-// Opens `file`. Returns 0 or an errno.
-int open(const char* name, const char* mode);
 
 }  // namespace qrx::passthru

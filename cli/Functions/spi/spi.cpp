@@ -2,15 +2,13 @@
 #include "cli/Functions/spi/spi.h"
 
 #include <array>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 
 #include "api/src/interface/agent.h"
 #include "api/src/interface/globals.h"
 #include "api/src/interface/wire/buffer.h"
 #include "api/src/interface/wire/command.h"
 #include "cli/Public/frame/handler.h"
+#include "cli/Public/frame/input_file.h"
 #include "cli/Public/frame/output_file.h"
 #include "cli/Public/utility.h"
 
@@ -40,7 +38,6 @@ Examples:
 
 namespace {
 
-using qrx::OutputFile;
 using qrx::refuse;
 
 constexpr char kOutput = '1';
@@ -64,27 +61,10 @@ constexpr QRX_U8 kSubSpiWrite = 0x08;
 
 using Block = std::array<QRX_U8, qrx::wire::kPageSize>;
 
-// A command has one open file at a time: naming one for the other direction takes its place, until it is used.
 struct Wish {
     int type = kRead;
-    OutputFile output;
-    const char* outputName = nullptr;
-    const char* inputName = nullptr;
-    bool inputOpen = false;
-    char latest = '\0';  // the option that named the file that is open
-
-    void openOutput(const char* name)
-    {
-        outputName = name;
-        latest = kOutput;
-        (void)output.open(name);
-    }
-    void openInput(const char* name)
-    {
-        inputName = name;
-        latest = kInput;
-        inputOpen = open_file(name, "r") == 0;
-    }
+    qrx::OutputFile output;
+    qrx::InputFile input;
 };
 
 // Stores the option's argument; false after a complaint.
@@ -94,19 +74,16 @@ bool read(int letter, const char* word, Wish& wish)
     case 't':
         return qrx::take(qrx::keyword(word, kTypes), wish.type) || qrx::complain("-t : invalid type '%s'\n", word);
     case kOutput:
-        wish.openOutput(word);
+        (void)wish.output.open(word);  // that a file failed is told when it is to be used
         return true;
     default:
-        wish.openInput(word);
+        (void)wish.input.open(word);
         return true;
     }
 }
 
 int readBlock(PCommand_Info row, Wish& wish)
 {
-    if (wish.outputName != nullptr && wish.latest != kOutput) {
-        wish.openOutput(wish.outputName);
-    }
     if (wish.output.isNamed() && !wish.output.isOpen()) {
         return wish.output.refuse(row);
     }
@@ -126,44 +103,30 @@ int readBlock(PCommand_Info row, Wish& wish)
 
 int writeBlock(PCommand_Info row, Wish& wish)
 {
-    if (wish.inputName == nullptr) {
+    if (!wish.input.isNamed()) {
         return refuse(0, "Please provide input file.\n");
     }
-    if (wish.latest != kInput) {
-        wish.openInput(wish.inputName);
-    }
-    if (!wish.inputOpen) {
+    if (!wish.input.isOpen()) {
         return refuse(1, "File is not exist.\n");
     }
     // As much as both hold; the rest of the block stays zero.
     Block block{};
-    errno = 0;
-    const std::size_t length = std::fread(block.data(), 1, block.size(), file);
-    if (std::ferror(file) != 0) {
-        return refuse(1, "%s: cannot read '%s': %s\n", row->cmd, wish.inputName, std::strerror(errno));
+    const auto length = wish.input.readUpTo(block);
+    if (!length) {
+        return wish.input.refuse(row);
     }
     qrx::print("spi write data.....");
-    _showRAWData(block.data(), static_cast<int>(length));
+    _showRAWData(block.data(), static_cast<int>(*length));
     std::array<QRX_U32, 3> words{block.size() / sizeof(QRX_U32), 0, qrx::vendorWord(kGroupAdapter, kSubSpiWrite)};
     const QRX_U32 status = QRX_Adapter_Admin(gCurrentAdapter, static_cast<QRX_U8>(kVendorWrite), 0, words.data(),
                                              words.size(), block.data(), block.size(), nullptr, 0);
     return qrx::report(static_cast<int>(status), "Write SPI failed.\n", "Write SPI successful.\n");
 }
 
-// What every way out of the command leaves closed.
-class FileGuard {
-public:
-    FileGuard() = default;
-    ~FileGuard() { close_file(); }
-    FileGuard(const FileGuard&) = delete;
-    FileGuard& operator=(const FileGuard&) = delete;
-};
-
 }  // namespace
 
 int doSPI(int argc, char** argv, PCommand_Info pCmdInfo)
 {
-    const FileGuard guard;
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     Wish wish;
     if (const auto result =

@@ -1,48 +1,44 @@
-// The file whose content a command sends: opened in the option pass, read whole later.
+// The file whose content a command sends: opened in the option pass, read later.
 //
 //     InputFile input;                                         // before the option pass; closed at its end
 //     case 'f': input.open(scan.word()); break;                // in the option pass
 //     const auto length = input.read(space);
 //     if (!length) return input.refuse(pCmdInfo);              // before anything is sent
-//
-// It is the process's one `file`: two of these at a time, or one beside an output file, take it from each other.
 #pragma once
 
 #include <cstddef>
 #include <optional>
 #include <span>
 
-#include "api/src/interface/wire/types.h"
 #include "cli/Public/common.h"
+#include "cli/Public/frame/command_file.h"
 
 namespace qrx {
 
-class InputFile {
+class InputFile : public CommandFile {
 public:
-    InputFile() = default;
-    ~InputFile();
-    InputFile(const InputFile&) = delete;
-    InputFile& operator=(const InputFile&) = delete;
+    InputFile() : CommandFile("r") {}
 
-    // Opens `name`, without its double quotes. False when that failed, which nobody is told yet. `name` must outlive
-    // this.
-    bool open(const char* name);
     // Puts the file's content into `space` and gives its length. Nothing when it was not opened, cannot be read, or
     // is longer than the space.
     std::optional<std::size_t> read(std::span<QRX_U8> space);
+    // Puts as much as both hold into `space`, and gives that length. What is behind it is left alone: a pipe may go on.
+    // Nothing when the file was not opened or cannot be read.
+    std::optional<std::size_t> readUpTo(std::span<QRX_U8> space);
+    // The beginning of a file and the length of all of it.
+    struct Head {
+        std::size_t held = 0;  // bytes in the space
+        QRX_U64 length = 0;
+    };
+    // As readUpTo(), for who must know how long the file is. What cannot be measured, a pipe, is read to its end. A
+    // file is too long from 2 GiB on.
+    std::optional<Head> readHead(std::span<QRX_U8> space);
 
     // Says on `stream` why there is no content. There must have been a failure. Returns 1.
     [[nodiscard]] int refuse(PCommand_Info row) const;
 
 private:
-    enum class Trouble : QRX_U8 { kNone, kOpen, kRead, kLength };
-
-    bool fail(Trouble trouble);
-
-    const char* name_ = "";
     std::size_t most_ = 0;  // bytes that it may have
-    Trouble trouble_ = Trouble::kNone;
-    int error_ = 0;  // errno of the trouble
 };
 
 }  // namespace qrx

@@ -3,28 +3,16 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <utility>
 
 #include "cli/Public/frame/report.h"
 #include "cli/Public/utility.h"
 
 namespace qrx {
 
-OutputFile::~OutputFile()
-{
-    if (isNamed()) {
-        close_file();
-    }
-}
-
 bool OutputFile::open(const char* name)
 {
-    name_ = name;
     written_ = false;
-    trouble_ = Trouble::kNone;
-    errno = 0;
-    return open_file(name, "wb") == 0 || fail(Trouble::kOpen);
+    return CommandFile::open(name);
 }
 
 bool OutputFile::write(std::span<const QRX_U8> bytes)
@@ -32,9 +20,10 @@ bool OutputFile::write(std::span<const QRX_U8> bytes)
     if (!isOpen()) {
         return !isNamed();
     }
+    const bool usable = use();
     errno = 0;
     write_file(bytes.data(), static_cast<int>(bytes.size()));
-    if (file == nullptr || std::fflush(file) != 0 || std::ferror(file) != 0) {
+    if (!usable || std::fflush(file) != 0 || std::ferror(file) != 0) {
         return fail(Trouble::kWrite);
     }
     written_ = written_ || !bytes.empty();
@@ -43,36 +32,26 @@ bool OutputFile::write(std::span<const QRX_U8> bytes)
 
 bool OutputFile::close()
 {
-    if (isOpen() && file != nullptr) {
-        errno = 0;
-        // Some file systems tell only now that there was no room.
-        if (std::fclose(std::exchange(file, nullptr)) != 0) {
-            fail(Trouble::kWrite);
-        }
+    errno = 0;
+    // Some file systems tell only now that there was no room.
+    if (CommandFile::close() != 0 && isOpen()) {
+        fail(Trouble::kWrite);
     }
-    return trouble_ == Trouble::kNone;
+    return trouble() == Trouble::kNone;
 }
 
 int OutputFile::refuse(PCommand_Info row) const
 {
-    return trouble_ == Trouble::kOpen
-               ? qrx::refuse(1, "%s: cannot open '%s': %s\n", row->cmd, name_, std::strerror(error_))
-               : qrx::refuse(1, "%s: cannot write '%s': %s; the file is incomplete\n", row->cmd, name_,
-                             std::strerror(error_));
+    return trouble() == Trouble::kOpen
+               ? qrx::refuse(1, "%s: cannot open '%s': %s\n", row->cmd, name(), reason())
+               : qrx::refuse(1, "%s: cannot write '%s': %s; the file is incomplete\n", row->cmd, name(), reason());
 }
 
 void OutputFile::warnOfMissingRest(PCommand_Info row) const
 {
     if (written_) {
-        std::fprintf(stderr, "%s: '%s' is incomplete\n", row->cmd, name_);
+        std::fprintf(stderr, "%s: '%s' is incomplete\n", row->cmd, name());
     }
-}
-
-bool OutputFile::fail(Trouble trouble)
-{
-    trouble_ = trouble;
-    error_ = errno != 0 ? errno : EIO;
-    return false;
 }
 
 }  // namespace qrx

@@ -7,30 +7,21 @@
 //     ...
 //     output.write(data);                                     // as often as there is something
 //     if (!output.close()) return output.refuse(pCmdInfo);
-//
-// It is the process's one `file`: two of these at a time, or one beside an input file, take it from each other.
 #pragma once
 
 #include <span>
 
-#include "api/src/interface/wire/types.h"
 #include "cli/Public/common.h"
+#include "cli/Public/frame/command_file.h"
 
 namespace qrx {
 
-class OutputFile {
+class OutputFile : public CommandFile {
 public:
-    OutputFile() = default;
-    ~OutputFile();
-    OutputFile(const OutputFile&) = delete;
-    OutputFile& operator=(const OutputFile&) = delete;
+    OutputFile() : CommandFile("wb") {}
 
-    // Opens `name`, without its double quotes, for writing and empties it; the file of an earlier name is closed.
-    // False when that failed, which nobody is told yet. `name` must outlive this.
+    // As its base says; a file that is there is emptied.
     bool open(const char* name);
-    [[nodiscard]] bool isNamed() const { return name_ != nullptr; }
-    [[nodiscard]] bool isOpen() const { return isNamed() && trouble_ == Trouble::kNone; }
-
     // Appends; what is written is handed to the system at once. After a failure, and without a file, nothing is
     // written any more. False when not everything has been written.
     bool write(std::span<const QRX_U8> bytes);
@@ -45,14 +36,7 @@ public:
     void warnOfMissingRest(PCommand_Info row) const;
 
 private:
-    enum class Trouble : QRX_U8 { kNone, kOpen, kWrite };
-
-    bool fail(Trouble trouble);
-
-    const char* name_ = nullptr;
     bool written_ = false;
-    Trouble trouble_ = Trouble::kNone;
-    int error_ = 0;  // errno of the trouble
 };
 
 }  // namespace qrx

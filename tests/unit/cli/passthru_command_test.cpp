@@ -1,7 +1,11 @@
 // `passthru`.
 #include "cli/Functions/passthru/passthru.h"
 
+#include <sys/stat.h>
+
 #include <array>
+#include <fstream>
+#include <thread>
 
 #include "api/src/interface/wire/nvme.h"
 #include "cli/Functions/smart/smart.h"
@@ -209,6 +213,17 @@ TEST_F(PassthruCommand, WithBothFilesEachDirectionUsesItsOwn)
     EXPECT_EQ(
         command({"passthru", "-i0", "-o6", "-d16", "-rwrite", "--inputfile", path("in"), "--outputfile", path("out")}),
         (Outcome{0, done()}));
+}
+
+TEST_F(PassthruCommand, APipeLosesNothingToAFileForTheOtherDirection)
+{
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+    std::thread writer([&] { std::ofstream(path("pipe")) << textOf(pattern(16, 7)); });
+    machine.expect(to(0, 6).sends(pattern(16, 7)));
+    EXPECT_EQ(command({"passthru", "-i0", "-o6", "-d16", "-rwrite", "--inputfile", path("pipe"), "--outputfile",
+                       path("out")}),
+              (Outcome{0, done()}));
+    writer.join();
 }
 
 TEST_F(PassthruCommand, ALengthThatNoPageHoldsIsRefused)

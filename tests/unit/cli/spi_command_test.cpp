@@ -1,6 +1,9 @@
 // `spi`.
+#include <sys/stat.h>
+
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 #include "cli/Public/utility.h"
 #include "tests/unit/cli/hardware_texts.h"
@@ -177,6 +180,16 @@ TEST_F(SpiCommand, AFileForTheOtherDirectionDoesNoHarm)
     machine.expect(readBlock().data(block));
     EXPECT_EQ(command({"spi", "-t", "read", "--inputfile", path("none")}),
               (Outcome{0, rawOf(block) + "Read SPI successful.\n"}));
+}
+
+TEST_F(SpiCommand, APipeLosesNothingToAFileForTheOtherDirection)
+{
+    const Bytes ten = pattern(10, 4);
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+    std::thread writer([&] { std::ofstream(path("pipe")) << textOf(ten); });
+    machine.expect(writeBlock(padded(ten, 4096)));
+    EXPECT_EQ(command({"spi", "-t", "write", "--inputfile", path("pipe"), "--outputfile", path("out")}), written(ten));
+    writer.join();
 }
 
 TEST_F(SpiCommand, BadValues)
