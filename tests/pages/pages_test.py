@@ -87,6 +87,13 @@ class Pages(unittest.TestCase):
                     self.assertNotIn(refusal, done.stderr, word)
         self.assertGreater(seen, 100)
 
+    def test_the_reference_names_the_commands_that_have_an_output_of_their_own(self):
+        reference = (MADE / "commands.md").read_text()
+        named = re.findall(r"`(\S+)`", re.search(r"^Every command but (.*) also takes", reference, re.MULTILINE)[1])
+        having = [word for word, text in sections(reference, r"^### `(\S+)`$").items()
+                  if re.search(r"^\| .*`--output`", text, re.MULTILINE)]
+        self.assertEqual(named, having)
+
     def test_the_manual_of_the_simulator_holds_its_three_help_pages(self):
         manual = rendered("qrx_sim.1")
         for page in (("--help",), ("ctl", "help"), ("make-image", "--help")):

@@ -1,14 +1,18 @@
 // docs/commands.md, and the plain lists for tests.
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "cli/Public/frame/option_scan.h"
 #include "tools/pages/pages.h"
 #include "tools/pages/text.h"
 
 namespace qrx::pages {
 namespace {
 
-constexpr char kSilent = '\x01';  // the option that every option string has, and that cannot be written as it is
+constexpr char kSilent =
+    kOutputRow.val;  // the option that every option string has, and that cannot be written as it is
 
 std::string code(const std::string& text)
 {
@@ -76,18 +80,36 @@ std::string section(const Command& command)
            helpBlock(command.help);
 }
 
+// The commands that do not pass over --output.
+std::string withAnOutputOfTheirOwn(const std::vector<Command>& commands)
+{
+    std::vector<std::string> words;
+    for (const Command& command : commands) {
+        const bool passes = std::any_of(command.rows.begin(), command.rows.end(), [](const option& row) {
+            return row.name == std::string_view(kOutputRow.name) && row.val == kOutputRow.val;
+        });
+        if (!passes) {
+            words.push_back(code(command.word));
+        }
+    }
+    return joined(words, ", ");
+}
+
 }  // namespace
 
 std::string commandReference(const std::vector<Command>& commands)
 {
+    const std::string others = withAnOutputOfTheirOwn(commands);
     std::string text =
         "# Commands\n\n"
         "All commands of `qrx_cli`, in the order of its tables: the options as the scanner takes them, and the help "
         "as\n"
-        "the program prints it. Where the two differ, the table of options is what holds. Every command also takes "
-        "and\n"
-        "ignores `--output <x>`, which is what is left of `-output <file>` once the file is open. Exit values are in\n"
+        "the program prints it. Where the two differ, the table of options is what holds. Exit values are in\n"
         "[exit-codes.md](exit-codes.md).\n\n"
+        "Every command" +
+        (others.empty() ? "" : " but " + others) +
+        " also takes and ignores `--output <x>`. It has nothing to do with `-output <file>`, which the\n"
+        "program takes behind any command, and then opens the file for all that is printed.\n\n"
         "This page is made from the program by the target `pages`; a test compares the two.\n\n"
         "## Listed by `help`\n\n";
     bool listed = true;
