@@ -12,6 +12,7 @@ namespace {
 // Bits of the adapter's mask of background activities.
 constexpr unsigned kInitializationBit = 0;
 constexpr unsigned kRebuildBit = 1;
+constexpr unsigned kSynchronizationBit = 2;
 constexpr unsigned kMediaPatrolBit = 4;
 
 std::string percent(const BackgroundActivity& activity)
@@ -239,6 +240,29 @@ Verdict Controller::start_rebuild(QRX_U32 id, QRX_U32 pd)
     return Verdict::kGood;
 }
 
+Verdict Controller::start_synchronization(QRX_U32 id)
+{
+    if (!adapter.raid() || (adapter.background >> kSynchronizationBit & 1) == 0) {
+        return Verdict::kNotSupported;
+    }
+    VirtualDisk* const vd = vd_of(id);
+    if (vd == nullptr) {
+        return Verdict::kInvalidVd;
+    }
+    if (vd->activity) {
+        return Verdict::kActivityRuns;
+    }
+    if (!redundant(*vd)) {
+        return Verdict::kNotRedundant;
+    }
+    if (vd->status != kVdFunctional) {
+        return Verdict::kNotFunctional;
+    }
+    start_activity(*vd, QRX_NVME_BGA_TYPE_VD_SYNC);
+    tell(Event::kVd, vd->id, "synchronization started");
+    return Verdict::kGood;
+}
+
 Verdict Controller::start_drive_patrol(QRX_U32 pd)
 {
     Drive* const drive = reachable_drive(pd);
@@ -272,6 +296,10 @@ Verdict Controller::control_vd_activity(QRX_U32 id, QRX_U16 operation)
     VirtualDisk* const vd = vd_of(id);
     if (vd == nullptr) {
         return Verdict::kInvalidVd;
+    }
+    const bool migrates = vd->activity && vd->activity->type == QRX_NVME_BGA_TYPE_VD_MIGRATE;
+    if (migrates && operation == QRX_NVME_BGA_OPERATION_ABORT) {
+        return Verdict::kInvalidAction;  // there is no way back, as its data lie in two layouts
     }
     const Verdict verdict = control(vd->activity, operation);
     if (verdict != Verdict::kGood) {
@@ -336,6 +364,12 @@ void Controller::finish_activity(VirtualDisk& vd)
         vd.rebuild_target = kMissingMember;
         update_status(vd);
         auto_rebuild();
+        break;
+    case QRX_NVME_BGA_TYPE_VD_SYNC:
+    case QRX_NVME_BGA_TYPE_VD_MIGRATE:
+        vd.initialized = true;  // both write its redundancy over its whole length
+        tell(Event::kVd, vd.id, std::string(activity_name(type)) + " done");
+        auto_rebuild();  // a migration goes on without a member that is lost
         break;
     default:
         tell(Event::kVd, vd.id, std::string(activity_name(type)) + " done", word_of(type, "_COMPLETE"));

@@ -185,7 +185,12 @@ private:
     [[nodiscard]] Verdict check_free(QRX_U32 pd) const;
     // The verdict on a plan; with kGood `made` is the virtual disk and the plan has the size of every namespace.
     [[nodiscard]] Verdict plan_vd(VirtualDiskPlan& plan, VirtualDisk& made) const;
+    // Whether drives can be members side by side: each of `own` or free, none named twice, all with sectors of one
+    // size. With kGood `share` is what the smallest of them gives, in sectors.
+    [[nodiscard]] Verdict check_members(std::span<const QRX_U16> members, const VirtualDisk* own, QRX_U64& share) const;
     Verdict create_vd(VirtualDiskPlan plan);
+    // From its start on the virtual disk is one of `raid_mode` over `members`, to which all that it had must belong.
+    Verdict start_migration(QRX_U32 id, QRX_U8 raid_mode, std::span<const QRX_U16> members);
     Verdict delete_vd(QRX_U32 id);
     Verdict import_vd(QRX_U32 id);
 
@@ -193,6 +198,7 @@ private:
     Verdict start_initialization(QRX_U32 vd, QRX_U16 type);
     Verdict start_media_patrol(QRX_U32 vd);
     Verdict start_rebuild(QRX_U32 vd, QRX_U32 pd);
+    Verdict start_synchronization(QRX_U32 vd);
     Verdict start_drive_patrol(QRX_U32 pd);
     Verdict control_vd_activity(QRX_U32 vd, QRX_U16 operation);
     Verdict control_pd_activity(QRX_U32 pd, QRX_U16 operation);
@@ -235,22 +241,17 @@ private:
     Completion read_log_status(std::span<QRX_U8> data);
     Completion read_log(std::span<QRX_U8> data);
     Verdict switch_log(QRX_U32 word);
+    // What both roads to the debug console share: a host begins to read it; its next page, with a head in front.
+    Verdict begin_log();
+    Verdict put_log(std::span<QRX_U8> payload);
     // Takes a member out of its virtual disk: `gone` when its slot is empty from now on.
     void lose_member(QRX_U16 pd, bool gone);
 
     // The two halves of a pair command, and the requests that it carries.
     Completion pair_send(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     Completion pair_receive(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    struct PairAnswers;
     Verdict answer_pair(std::span<QRX_U8> payload);
-    // The requests that change something; nothing for a request that is none of these.
-    [[nodiscard]] std::optional<Verdict> carry_out_pair(QRX_U32 code, std::span<QRX_U8> payload);
-    Verdict pair_set_config();
-    Verdict pair_set_vd_config();
-    Verdict pair_create_vd(std::span<QRX_U8> payload);
-    // Answers a list request: a head and then what `put` writes for each id from the head's start on. `put` says
-    // whether the id exists.
-    template <std::size_t RecordSize, class Put>
-    Verdict pair_list(std::span<QRX_U8> payload, QRX_U32 ids, Verdict absent, Put put) const;
 };
 
 }  // namespace qrx::sim

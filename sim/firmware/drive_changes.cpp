@@ -42,7 +42,8 @@ void Controller::lose_member(QRX_U16 pd, bool gone)
         }
         if (vd.activity && !vd.foreign()) {
             const bool rebuilds_another = vd.rebuild_target != kMissingMember && vd.rebuild_target != pd;
-            if (!rebuilds_another) {
+            const bool migrates = vd.activity->type == QRX_NVME_BGA_TYPE_VD_MIGRATE;
+            if (!rebuilds_another && !migrates) {
                 abort_activity(vd, "PD " + std::to_string(pd) + " is lost");
             }
         }

@@ -1,8 +1,7 @@
 #include "sim/firmware/event_ring.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
+#include "api/src/interface/wire/event_text.h"
 
 namespace qrx::sim {
 
@@ -87,15 +86,26 @@ void EventRing::put_page(std::size_t index, std::span<QRX_U8> text) const
     });
 }
 
+std::vector<std::string_view> EventRing::newest_first() const
+{
+    std::vector<std::string_view> all;
+    for (std::size_t i = 1; i <= kEventPages; ++i) {
+        const std::size_t index = (page + i) % kEventPages;  // from the oldest page to the one being written
+        if (index < pages.size()) {
+            for_each_line(pages[index].lines, [&](std::string_view line) { all.push_back(line); });
+        }
+    }
+    std::reverse(all.begin(), all.end());
+    return all;
+}
+
 std::string event_message(QRX_U8 subject, QRX_U16 id, std::string_view what, QRX_U8 severity)
 {
-    constexpr std::array<const char*, 3> kSeverities{"_NOTIFY", "_WARNING", "_CRITICAL"};
-    constexpr std::array<const char*, 5> kSubjects{"", "NVMe", "PD", "VD", "NS"};
-    std::string message = kSubjects.at(subject);
+    std::string message = kEventClassWords.at(subject);
     if (subject != QRX_NVME_EVT_CLASS_ADAPTER) {
         message += std::to_string(id);
     }
-    return message.append(what).append(kSeverities.at(severity));
+    return message.append(what).append(kEventSeverityWords.at(severity));
 }
 
 }  // namespace qrx::sim

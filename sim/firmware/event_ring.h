@@ -38,6 +38,8 @@ struct EventRing {
     void add_history(QRX_U32 count);
     // Puts the lines of a page into `text`, with zero bytes between and behind them.
     void put_page(std::size_t index, std::span<QRX_U8> text) const;
+    // All lines, each with its line feed. They live as long as the pages stay as they are.
+    [[nodiscard]] std::vector<std::string_view> newest_first() const;
 };
 
 // The message of an event: "VD" 3 "_CREATED" and the severity, "VD3_CREATED_NOTIFY".

@@ -1,5 +1,6 @@
 // What the controller tells of its life: the event ring, and the debug console in its SPI flash.
 #include <algorithm>
+#include <array>
 
 #include "api/src/interface/wire/command.h"
 #include "api/src/interface/wire/spi_log.h"
@@ -59,30 +60,47 @@ Completion Controller::read_events(QRX_U32 offset, QRX_U32 length, std::span<QRX
     return complete(status::kSuccess);
 }
 
-Completion Controller::read_log_status(std::span<QRX_U8> data)
+Verdict Controller::begin_log()
 {
     if ((adapter.features & kFeatureDump) == 0) {
-        return complete(Verdict::kNotSupported);
+        return Verdict::kNotSupported;
     }
     spi_log.read_until = 0;  // a host that asks begins to read
-    return reply_with(data, NVME_AP_Debug_Dump_Config{settings.debug_dump ? QRX_U8{1} : QRX_U8{0}, {}});
+    return Verdict::kGood;
 }
 
-Completion Controller::read_log(std::span<QRX_U8> data)
+Verdict Controller::put_log(std::span<QRX_U8> payload)
 {
     if ((adapter.features & kFeatureDump) == 0) {
-        return complete(Verdict::kNotSupported);
+        return Verdict::kNotSupported;
     }
     if (!settings.debug_dump) {
-        return complete(Verdict::kInvalidRequest);
+        return Verdict::kInvalidRequest;
     }
-    const std::span<QRX_U8> payload = open_reply(data, Verdict::kGood);
     NVME_AP_Debug_Dump_Request head{};
     if (payload.size() > sizeof(head)) {
         head.length = static_cast<QRX_U32>(spi_log.read(payload.subspan(sizeof(head))));
     }
     put(payload, 0, head);
-    return complete(status::kSuccess);
+    return Verdict::kGood;
+}
+
+Completion Controller::read_log_status(std::span<QRX_U8> data)
+{
+    const Verdict verdict = begin_log();
+    if (verdict != Verdict::kGood) {
+        return complete(verdict);
+    }
+    return reply_with(data, NVME_AP_Debug_Dump_Config{settings.debug_dump ? QRX_U8{1} : QRX_U8{0}, {}});
+}
+
+Completion Controller::read_log(std::span<QRX_U8> data)
+{
+    std::array<QRX_U8, kLogTextMax + sizeof(NVME_AP_Debug_Dump_Request)> page{};
+    const std::size_t room = std::min(data.size(), wire::kPageSize);
+    const Verdict verdict =
+        put_log(std::span(page).first(room > kReceiveDataOffset ? room - kReceiveDataOffset : std::size_t{0}));
+    return verdict == Verdict::kGood ? reply_with(data, page) : complete(verdict);
 }
 
 Verdict Controller::switch_log(QRX_U32 word)

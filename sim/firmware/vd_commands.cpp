@@ -1,4 +1,4 @@
-// Creation, deletion and import of virtual disks.
+// Creation, migration, deletion and import of virtual disks.
 #include <algorithm>
 #include <array>
 
@@ -62,6 +62,29 @@ Verdict Controller::check_free(QRX_U32 pd) const
     return drive->activity ? Verdict::kActivityRuns : Verdict::kGood;
 }
 
+Verdict Controller::check_members(std::span<const QRX_U16> members, const VirtualDisk* own, QRX_U64& share) const
+{
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        const Verdict verdict = own != nullptr && own->uses(members[i]) ? Verdict::kGood : check_free(members[i]);
+        if (verdict != Verdict::kGood) {
+            return verdict;
+        }
+        const auto earlier = members.first(i);
+        if (std::find(earlier.begin(), earlier.end(), members[i]) != earlier.end()) {
+            return Verdict::kPdAssigned;
+        }
+    }
+    share = ~QRX_U64{0};
+    for (const QRX_U16 pd : members) {
+        const Drive& drive = *find_drive(pd);
+        share = std::min(share, drive.sectors);
+        if (drive.sector_size != find_drive(members.front())->sector_size) {
+            return Verdict::kSectorSizeMismatch;
+        }
+    }
+    return Verdict::kGood;
+}
+
 Verdict Controller::plan_vd(VirtualDiskPlan& plan, VirtualDisk& made) const
 {
     if (!adapter.raid()) {
@@ -78,23 +101,10 @@ Verdict Controller::plan_vd(VirtualDiskPlan& plan, VirtualDisk& made) const
     if (!rule->takes(plan.members.size()) || plan.members.size() > adapter.max_pd_per_vd) {
         return Verdict::kInvalidPdCount;
     }
-    for (std::size_t i = 0; i < plan.members.size(); ++i) {
-        const Verdict verdict = check_free(plan.members[i]);
-        if (verdict != Verdict::kGood) {
-            return verdict;
-        }
-        const auto here = plan.members.begin() + static_cast<std::ptrdiff_t>(i);
-        if (std::find(plan.members.begin(), here, plan.members[i]) != here) {
-            return Verdict::kPdAssigned;
-        }
-    }
-    QRX_U64 share = ~QRX_U64{0};
-    for (const QRX_U16 pd : plan.members) {
-        const Drive& drive = *find_drive(pd);
-        share = std::min(share, drive.sectors);
-        if (drive.sector_size != find_drive(plan.members.front())->sector_size) {
-            return Verdict::kSectorSizeMismatch;
-        }
+    QRX_U64 share = 0;
+    const Verdict verdict = check_members(plan.members, nullptr, share);
+    if (verdict != Verdict::kGood) {
+        return verdict;
     }
     if (virtual_disks.size() >= adapter.max_vd) {
         return Verdict::kNoId;
@@ -140,6 +150,54 @@ Verdict Controller::create_vd(VirtualDiskPlan plan)
     for (const QRX_U64 sectors : plan.namespace_sizes) {
         make_namespace(kNsParentVd, id, sectors, sector_size).shared = true;
     }
+    return Verdict::kGood;
+}
+
+Verdict Controller::start_migration(QRX_U32 id, QRX_U8 raid_mode, std::span<const QRX_U16> members)
+{
+    constexpr unsigned kMigrationBit = 3;  // of the adapter's mask of background activities
+    if (!adapter.raid() || (adapter.background >> kMigrationBit & 1) == 0) {
+        return Verdict::kNotSupported;
+    }
+    VirtualDisk* const vd = vd_of(id);
+    if (vd == nullptr) {
+        return Verdict::kInvalidVd;
+    }
+    if (vd->activity) {
+        return Verdict::kActivityRuns;
+    }
+    if (vd->status != kVdFunctional) {
+        return Verdict::kNotFunctional;
+    }
+    const RaidRule* const rule = find_raid_rule(raid_mode);
+    if (rule == nullptr || (adapter.raid_modes >> rule->support_bit & 1) == 0) {
+        return Verdict::kInvalidRaidMode;
+    }
+    const bool keeps_all = std::all_of(vd->members.begin(), vd->members.end(), [members](QRX_U16 pd) {
+        return std::find(members.begin(), members.end(), pd) != members.end();
+    });
+    if (!rule->takes(members.size()) || members.size() > adapter.max_pd_per_vd || !keeps_all) {
+        return Verdict::kInvalidPdCount;
+    }
+    QRX_U64 share = 0;
+    const Verdict verdict = check_members(members, vd, share);
+    if (verdict != Verdict::kGood) {
+        return verdict;
+    }
+    const QRX_U64 sectors = usable_sectors(rule->mode, members.size(), rule->parity_disks, share);
+    if (sectors < vd->sectors) {
+        return Verdict::kNamespaceSize;
+    }
+    vd->raid_mode = rule->mode;
+    vd->members.assign(members.begin(), members.end());
+    vd->parity_disks = rule->parity_disks;
+    vd->sectors = sectors;
+    for (const QRX_U16 pd : members) {
+        drive_of(pd)->importable = false;  // what another controller left on it is gone
+    }
+    start_activity(*vd, QRX_NVME_BGA_TYPE_VD_MIGRATE);
+    tell(Event::kVd, vd->id,
+         "migration to " + std::string(rule->name) + " over PD " + list_of(vd->members) + " started");
     return Verdict::kGood;
 }
 
