@@ -117,6 +117,39 @@ constexpr auto kVendorNames = std::to_array<Name>({
     {vendor::kReadEvents, "read-events"},
 });
 
+constexpr auto kPairNames = std::to_array<Name>({
+    {static_cast<QRX_U16>(PairCode::kAdapterGetInfo), "adapter-get-info"},
+    {static_cast<QRX_U16>(PairCode::kAdapterGetConfig), "adapter-get-config"},
+    {static_cast<QRX_U16>(PairCode::kAdapterSetConfig), "adapter-set-config"},
+    {static_cast<QRX_U16>(PairCode::kAdapterLed), "adapter-led"},
+    {static_cast<QRX_U16>(PairCode::kPdGetInfo), "pd-get-info"},
+    {static_cast<QRX_U16>(PairCode::kPdOem), "pd-oem"},
+    {static_cast<QRX_U16>(PairCode::kPdImport), "pd-import"},
+    {static_cast<QRX_U16>(PairCode::kVdGetInfo), "vd-get-info"},
+    {static_cast<QRX_U16>(PairCode::kVdGetConfig), "vd-get-config"},
+    {static_cast<QRX_U16>(PairCode::kVdSetConfig), "vd-set-config"},
+    {static_cast<QRX_U16>(PairCode::kVdCreate), "vd-create"},
+    {static_cast<QRX_U16>(PairCode::kVdDelete), "vd-delete"},
+    {static_cast<QRX_U16>(PairCode::kVdImport), "vd-import"},
+    {static_cast<QRX_U16>(PairCode::kPdGetBgaStatus), "pd-get-bga-status"},
+    {static_cast<QRX_U16>(PairCode::kVdGetBgaStatus), "vd-get-bga-status"},
+    {static_cast<QRX_U16>(PairCode::kPdBgaControl), "pd-bga-control"},
+    {static_cast<QRX_U16>(PairCode::kVdBgaControl), "vd-bga-control"},
+    {static_cast<QRX_U16>(PairCode::kPdMediaPatrol), "pd-media-patrol"},
+    {static_cast<QRX_U16>(PairCode::kVdInit), "vd-init"},
+    {static_cast<QRX_U16>(PairCode::kVdRebuild), "vd-rebuild"},
+    {static_cast<QRX_U16>(PairCode::kVdSync), "vd-sync"},
+    {static_cast<QRX_U16>(PairCode::kVdMigrate), "vd-migrate"},
+    {static_cast<QRX_U16>(PairCode::kVdMediaPatrol), "vd-media-patrol"},
+    {static_cast<QRX_U16>(PairCode::kEventStatus), "event-status"},
+    {static_cast<QRX_U16>(PairCode::kNsGetInfoVd), "ns-get-info-of-vd"},
+    {static_cast<QRX_U16>(PairCode::kDumpConsole), "dump-console"},
+    {static_cast<QRX_U16>(PairCode::kDumpStatus), "dump-status"},
+    {static_cast<QRX_U16>(PairCode::kGetDumpCfg), "get-dump-config"},
+    {static_cast<QRX_U16>(PairCode::kSetDumpCfg), "set-dump-config"},
+    {static_cast<QRX_U16>(PairCode::kPageEvent), "page-event"},
+});
+
 const char* find(std::span<const Name> names, QRX_U16 code)
 {
     const auto found = std::find_if(names.begin(), names.end(), [&](const Name& name) { return name.code == code; });
@@ -140,6 +173,11 @@ const char* management_opcode_name(QRX_U8 message_type, QRX_U8 opcode)
     return message_type == kMiAdminCommand
                ? admin_opcode_name(opcode)
                : find(message_type == kMiCommand ? kManagementNames : std::span<const Name>(), opcode);
+}
+
+const char* pair_request_name(PairCode code)
+{
+    return find(kPairNames, static_cast<QRX_U16>(code));
 }
 
 const char* vendor_command_name(QRX_U16 command)

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "api/src/interface/wire/pair.h"
 #include "api/src/interface/wire/types.h"
 
 namespace qrx::sim {
@@ -102,5 +103,7 @@ inline constexpr QRX_U16 kReadEvents = 0x04FE;
 [[nodiscard]] const char* io_opcode_name(QRX_U8 opcode);
 // The name of a vendor command by the low half of its CDW12; "unknown" for one without a name.
 [[nodiscard]] const char* vendor_command_name(QRX_U16 command);
+// "vd-create"; "unknown" for a request without a name.
+[[nodiscard]] const char* pair_request_name(PairCode code);
 
 }  // namespace qrx::sim

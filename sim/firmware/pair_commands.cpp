@@ -69,12 +69,9 @@ Verdict Controller::answer_pair(std::span<QRX_U8> payload)
         {PairCode::kSetDumpCfg, &PairAnswers::set_console_config},
         {PairCode::kPageEvent, &PairAnswers::event_page},
     });
-    const auto& words = mailbox.words;
-    const auto* const row = std::find_if(kRows.begin(), kRows.end(), [&words](const Row& known) {
-        return words[0] < 0x100 && words[1] < 0x100 &&
-               known.code ==
-                   static_cast<PairCode>(pairCode(static_cast<QRX_U8>(words[0]), static_cast<QRX_U8>(words[1])));
-    });
+    const PairCode code = pairCodeOf(mailbox.words[0], mailbox.words[1]);
+    const auto* const row =
+        std::find_if(kRows.begin(), kRows.end(), [code](const Row& known) { return known.code == code; });
     if (row == kRows.end() || (row->raid_only && !adapter.raid())) {
         return Verdict::kNotSupported;
     }

@@ -1,5 +1,6 @@
 #include "sim/firmware/tracer.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
@@ -88,6 +89,22 @@ void append_message(std::string& line, std::span<const QRX_U8> message)
     }
 }
 
+// The request in a send frame, with its words.
+void append_request(std::string& line, std::span<const QRX_U8> frame)
+{
+    const auto head = wire::read<NVMESendData>(frame);
+    if (!head || std::memcmp(head->sign, kFrameSign, sizeof(kFrameSign)) != 0) {
+        return;
+    }
+    const std::size_t count = std::min<std::size_t>(head->cmd_length, std::size(head->vendor_cmd));
+    line += ' ';
+    line += pair_request_name(pairCodeOf(head->vendor_cmd[0], head->vendor_cmd[1]));
+    for (std::size_t i = 0; i < count; ++i) {
+        line += (i == 0 ? '(' : ',') + std::to_string(head->vendor_cmd[i]);
+    }
+    line += count == 0 ? "" : ")";
+}
+
 const char* direction(QRX_U8 opcode)
 {
     if (data_to_device(opcode) == data_from_device(opcode)) {
@@ -156,6 +173,9 @@ void Tracer::write_line(const Node& node, bool admin_queue, const nvme_admin_cmd
     }
     if (admin_queue && opcode == admin::kManagementSend) {
         append_message(line, data);
+    }
+    if (admin_queue && opcode == kPairSend) {
+        append_request(line, data);
     }
     append_words(line, command);
     if (!data.empty()) {

@@ -17,8 +17,31 @@ public:
     // One request with its words and record, answered with `cmd_status` and `answer`.
     void expect(const std::vector<QRX_U16>& words, const Bytes& record, const Bytes& answer, QRX_U8 cmd_status = 0)
     {
-        constexpr QRX_U8 kSend = 251;
-        constexpr QRX_U8 kReceive = 252;
+        expectFrame(words, record, envelope(answer, cmd_status));
+    }
+    // The same, answered with the frame that begins with `frame`.
+    void expectFrame(const std::vector<QRX_U16>& words, const Bytes& record, const Bytes& frame)
+    {
+        machine_.expect(send(words, record));
+        machine_.expect(half(kReceive).receives(4096).data(padded(frame, 4096, 0xEE)));
+    }
+    // One whose first half, or whose second half, ends with `status`.
+    void expectSendFailed(const std::vector<QRX_U16>& words, const Bytes& record, QRX_U32 status)
+    {
+        machine_.expect(send(words, record).status(status));
+    }
+    void expectReceiveFailed(const std::vector<QRX_U16>& words, const Bytes& record, QRX_U32 status)
+    {
+        machine_.expect(send(words, record));
+        machine_.expect(half(kReceive).receives(4096).status(status));
+    }
+
+private:
+    static constexpr QRX_U8 kSend = 251;
+    static constexpr QRX_U8 kReceive = 252;
+
+    Command send(const std::vector<QRX_U16>& words, const Bytes& record)
+    {
         std::fill_n(frame_.begin(), 17, QRX_U8{0});
         NVMESendData head{};
         std::memcpy(head.sign, kFrameSign, sizeof(head.sign));
@@ -29,11 +52,8 @@ public:
         const Bytes bytes = bytesOf(head);
         std::copy(bytes.begin(), bytes.end(), frame_.begin());
         std::copy(record.begin(), record.end(), frame_.begin() + 16);
-        machine_.expect(half(kSend).sends(frame_));
-        machine_.expect(half(kReceive).receives(4096).data(padded(envelope(answer, cmd_status), 4096, 0xEE)));
+        return half(kSend).sends(frame_);
     }
-
-private:
     [[nodiscard]] Command half(QRX_U8 code) const
     {
         return Command::admin(code, 0, {1024, 0, 0, 0, 0, kFrameSignWord}).on(slot_);

@@ -53,4 +53,10 @@ enum class PairCode : QRX_U16 {
     kPageEvent = pairCode(kGroupDump, 4),
 };
 
+// The request of a frame's first two words; one that is none of those above where a word is more than a byte.
+constexpr PairCode pairCodeOf(QRX_U16 group, QRX_U16 sub)
+{
+    return static_cast<PairCode>(group > 0xFF || sub > 0xFF ? 0 : group << 8U | sub);
+}
+
 }  // namespace qrx

@@ -216,6 +216,24 @@ TEST_F(TracerTest, PassesTheMachineOn)
     EXPECT_EQ(tracer_.mount_table(), "mounts\n");
 }
 
+TEST_F(TracerTest, APairCommandIsShownByItsRequest)
+{
+    const auto traced = [this](std::vector<QRX_U8> frame) {
+        nvme_admin_cmd command{};
+        command.opcode = 0xCB;
+        out_.str("");
+        tracer_.admin({}, command, frame);
+        return out_.str();
+    };
+    EXPECT_EQ(traced({'Q', 'R', 'X', 0, 3, 16, 16, 0, 227, 0, 4, 0, 3, 0, 0, 0}),
+              "1 nvme0 admin pair-send(0xcb) vd-bga-control(227,4,3) data=16 -> success\n");
+    EXPECT_EQ(traced({'Q', 'R', 'X', 0, 255, 16, 0, 0, 0xE3, 1, 4, 0, 3, 0, 0xFF, 0xFF}),
+              "2 nvme0 admin pair-send(0xcb) unknown(483,4,3,65535) data=16 -> success\n");
+    EXPECT_EQ(traced({'Q', 'R', 'Y', 0, 3, 16, 16, 0, 227, 0, 4, 0, 3, 0, 0, 0}),
+              "3 nvme0 admin pair-send(0xcb) data=16 -> success\n");
+    EXPECT_EQ(traced(std::vector<QRX_U8>(15)), "4 nvme0 admin pair-send(0xcb) data=15 -> success\n");
+}
+
 }  // namespace
 
 }  // namespace qrx::sim
