@@ -29,9 +29,9 @@ bool take_number(std::string_view& text, Number& number)
 // Takes class word and id. The adapter comes without an id.
 bool take_subject(std::string_view& text, NVME_Event_Item& item)
 {
-    for (QRX_U16 event_class = QRX_NVME_EVT_CLASS_ADAPTER; event_class < kEventClassWords.size(); ++event_class) {
+    for (std::size_t event_class = QRX_NVME_EVT_CLASS_ADAPTER; event_class < kEventClassWords.size(); ++event_class) {
         if (take(text, kEventClassWords[event_class])) {
-            item.Class = event_class;
+            item.Class = static_cast<QRX_U16>(event_class);
             return event_class == QRX_NVME_EVT_CLASS_ADAPTER || take_number(text, item.DeviceID);
         }
     }
@@ -41,11 +41,11 @@ bool take_subject(std::string_view& text, NVME_Event_Item& item)
 // Takes the severity from the end of `text`.
 bool take_severity(std::string_view& text, NVME_Event_Item& item)
 {
-    for (QRX_U8 severity = 0; severity < kEventSeverityWords.size(); ++severity) {
+    for (std::size_t severity = 0; severity < kEventSeverityWords.size(); ++severity) {
         const std::string_view word = kEventSeverityWords[severity];
         if (text.ends_with(word)) {
             text.remove_suffix(word.size());
-            item.Severity = severity;
+            item.Severity = static_cast<QRX_U8>(severity);
             return true;
         }
     }

@@ -71,7 +71,7 @@ Bytes list(QRX_U8 count)
 Bytes configs(QRX_U8 count)
 {
     Bytes record = list(count);
-    const Bytes bodies = pattern(count * 24U, 60);
+    const Bytes bodies = pattern(std::size_t{count} * 24, 60);
     record.insert(record.end(), bodies.begin(), bodies.end());
     return record;
 }
@@ -91,7 +91,7 @@ std::function<QRX_U32(void*)> namespaces(QRX_U8 count)
 }
 
 // A call without a record of the caller's: `sent` is what it makes of its arguments.
-Call made(const char* name, std::vector<QRX_U16> words, const Bytes& sent, std::function<QRX_U32()> carryOut)
+Call made(const char* name, std::vector<QRX_U16> words, const Bytes& sent, const std::function<QRX_U32()>& carryOut)
 {
     return {name, std::move(words), sent, sent.size(), 0, [carryOut](void*) { return carryOut(); }};
 }
