@@ -1,8 +1,5 @@
 // The operations of `hotkey`.
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 
 #include "api/src/interface/api.h"
@@ -11,6 +8,7 @@
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_hotkey.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/question.h"
 #include "cli/Public/frame/register.h"
 #include "cli/Public/frame/report.h"
 #include "cli/Public/frame/tunnel.h"
@@ -45,47 +43,16 @@ QRX_U32 memberBitmap(const FreePDs& PDIDs, QRX_U8 freeDrive)
     return bitmap;
 }
 
-// One byte of standard input; nothing at its end. Not a byte more is taken: what follows may be the shell's.
-int readKey()
-{
-    unsigned char key = 0;
-    ssize_t got = 0;
-    do {
-        got = ::read(STDIN_FILENO, &key, 1);
-    } while (got < 0 && errno == EINTR);
-    return got == 1 ? key : EOF;
-}
-
-// The first character of a line, of which nothing is left; the line end for an empty line, EOF at the end of input.
-int readAnswer()
-{
-    const int first = readKey();
-    for (int key = first; key != '\n' && key != EOF;) {
-        key = readKey();
-    }
-    return first;
-}
-
 bool isConfirmed()
 {
     print(qrx::isJbof(qrx::recordOf(gCurrentAdapter)) ? "The data of PD will be lost.\n"
                                                       : "If PD is a member of VD, the data of VD will be lost.\n");
     print("Are you sure you want to secure erase this disk? (y or n)\n");
-    for (;;) {
-        (void)std::fflush(stream);
-        switch (readAnswer()) {
-        case 'y':
-        case 'Y':
-            return true;
-        case EOF:  // nobody is there to answer
-        case 'n':
-        case 'N':
-            print("Cancel secure erase command.\n");
-            return false;
-        default:
-            print("Please input y or n.\n");
-        }
+    const bool confirmed = qrx::readYesOrNo().value_or(false);  // at the end of input nobody is there to answer
+    if (!confirmed) {
+        print("Cancel secure erase command.\n");
     }
+    return confirmed;
 }
 
 struct Port {
