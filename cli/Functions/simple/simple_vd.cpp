@@ -2,11 +2,9 @@
 // carries the running system is refused here.
 #include "cli/Functions/simple/simple_vd.h"
 
-#include <cctype>
-#include <cstring>
-
 #include "api/src/interface/globals.h"
 #include "api/src/interface/vd.h"
+#include "cli/Functions/simple/vd_options.h"
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/handler.h"
@@ -66,11 +64,9 @@ constexpr option kLong[] = {
 
 enum Action { kNoAction, kCreate, kDelete };
 constexpr qrx::Keyword kActions[] = {{"create", kCreate}, {"delete", kDelete}};
-constexpr qrx::Keyword kStripes[] = {{"128", 0}, {"256", 1}, {"512", 2}};  // KB, and the code on the wire
 
 constexpr QRX_U8 kSubCreate = 3;
 constexpr QRX_U8 kSubDelete = 4;
-constexpr QRX_U8 kUnknownMode = 255;
 constexpr std::int32_t kZeroAgain = 255;  // another way to write PD 0
 
 struct Wish {
@@ -81,26 +77,17 @@ struct Wish {
     QRX_U32 members = 0;  // bit n: PD n
 };
 
-// Adds the ids of a comma-separated list to the bitmap. An id ends at its first character that is no digit. False
-// where an element does not begin with a digit, or its id is none of a PD.
+// Adds the ids of a list to the bitmap; false where one is none of a PD.
 bool addMembers(const char* list, QRX_U32& members)
 {
-    for (const char* element = list; element != nullptr;) {
-        if (std::isdigit(static_cast<unsigned char>(*element)) == 0) {
+    return qrx::vd::eachPd(list, [&](std::int32_t id) {
+        const std::int32_t pd = id == kZeroAgain ? 0 : id;
+        if (pd >= static_cast<std::int32_t>(kVdMembersMax)) {
             return false;
         }
-        std::int32_t id = qrx::strtol32(element, 10) - qrx::idBase();
-        if (id == kZeroAgain) {
-            id = 0;
-        }
-        if (id < 0 || id >= static_cast<std::int32_t>(kVdMembersMax)) {
-            return false;
-        }
-        members |= 1U << static_cast<unsigned>(id);
-        const char* comma = std::strchr(element, ',');
-        element = comma != nullptr ? comma + 1 : nullptr;
-    }
-    return true;
+        members |= 1U << static_cast<unsigned>(pd);
+        return true;
+    });
 }
 
 // Stores the option's argument; false after a complaint.
@@ -116,13 +103,11 @@ bool read(int letter, const char* word, Wish& wish)
         wish.id -= qrx::idBase();
         return wish.id >= 0 || complain("-i : invalid id '%s'\n", word);
     case 'r':
-        wish.mode = chooseRaidMode(word);
-        return wish.mode != kUnknownMode || complain("-r : invalid raid mode %s\n", word);
+        return qrx::vd::readMode(word, wish.mode);
     case 'd':
         return addMembers(word, wish.members) || complain("-d : invalid PD ID '%s'\n", word);
     default:
-        return take(qrx::keyword(word, kStripes), wish.stripe) ||
-               complain("-b : invalid stripe block size '%s'.\n", word);
+        return qrx::vd::readStripe(word, wish.stripe);
     }
 }
 
