@@ -7,6 +7,7 @@
 #include "api/src/interface/wire/vd.h"
 #include "cli/Functions/simple/info_fetch.h"
 #include "cli/Functions/simple/simple_hotkey.h"
+#include "cli/Functions/simple/vd_command.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/question.h"
 #include "cli/Public/frame/register.h"
@@ -22,12 +23,10 @@ using qrx::vendorCommand;
 using qrx::info::fetch;
 using FetchStatus = qrx::info::Status;
 
-constexpr QRX_U8 kSubCreateVd = 3;
-constexpr QRX_U8 kSubDeleteVd = 4;
 constexpr QRX_U8 kPdZero = 255;          // how PD 0 is written where 0 marks an empty entry
 constexpr QRX_U32 kEraseUserData = 512;  // CDW10 of Format NVM: Secure Erase Settings 1
 
-// The members of the first `freeDrive` entries. The bits of the earlier ones are shifted in with each.
+// The members of the first `freeDrive` entries that are not empty.
 QRX_U32 memberBitmap(const FreePDs& PDIDs, QRX_U8 freeDrive)
 {
     QRX_U32 bitmap = 0;
@@ -36,7 +35,7 @@ QRX_U32 memberBitmap(const FreePDs& PDIDs, QRX_U8 freeDrive)
             break;
         }
         if (entry != 0) {
-            bitmap |= (bitmap | 1) << (entry == kPdZero ? 0 : entry);
+            bitmap = qrx::withMember(bitmap, entry);
             --freeDrive;
         }
     }
@@ -95,10 +94,12 @@ int hotkey_createVD(QRX_U8 raidMode, QRX_U8 freeDrive, QRX_U8 sbs)
         return 1;
     }
     const QRX_U8 mode = raidMode == kRaid1 && freeDrive == kMembersOfRaid10 ? kRaid10 : raidMode;
-    return qrx::carryOut(vendorCommand(kGroupVd, kSubCreateVd, static_cast<QRX_U16>(sbs | mode << 8))
-                             .word(13, memberBitmap(PDIDs, freeDrive))
-                             .word(14, 1),
-                         "cmd failed.\n", "cmd success\n");
+    return qrx::vd::carryOut(qrx::vd::createCommand(mode, sbs).word(13, memberBitmap(PDIDs, freeDrive)).word(14, 1));
+}
+
+QRX_U32 qrx::withMember(QRX_U32 bitmap, QRX_U8 entry)
+{
+    return bitmap | (bitmap | 1) << (entry == kPdZero ? 0 : entry);
 }
 
 QRX_U8 getFreePDs(FreePDs& PDIDs)
@@ -153,7 +154,7 @@ int getVDID(QRX_U16 index)
 
 int do_sdeleteVDID(QRX_U16 id)
 {
-    const int status = vendorCommand(kGroupVd, kSubDeleteVd, id).send();
+    const int status = qrx::vd::deleteCommand(id).send();
     return refuse(status, status != 0 ? "delete VD ID %d cmd failed.\n" : "delete VD ID %d success\n", id);
 }
 

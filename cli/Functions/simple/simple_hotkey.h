@@ -28,6 +28,11 @@ int hotkey_read_RC_EP();
 using FreePDs = std::array<QRX_U8, 32>;
 // Fills the table; returns how many are free.
 QRX_U8 getFreePDs(FreePDs& PDIDs);
+namespace qrx {
+// A bitmap of members with one entry of the table more. The bits of the earlier ones are shifted in with it, and an
+// empty entry counts as PD 0.
+QRX_U32 withMember(QRX_U32 bitmap, QRX_U8 entry);
+}  // namespace qrx
 // 1 when PD `HDID` answers and is free.
 QRX_U8 _getPDInfo(QRX_U16 HDID);
 // The id of the VD at an index, or -1.

@@ -4,8 +4,7 @@
 
 #include "api/src/interface/globals.h"
 #include "api/src/interface/vd.h"
-#include "cli/Functions/simple/vd_options.h"
-#include "cli/Public/frame/admin_command.h"
+#include "cli/Functions/simple/vd_command.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
@@ -65,8 +64,6 @@ constexpr option kLong[] = {
 enum Action { kNoAction, kCreate, kDelete };
 constexpr qrx::Keyword kActions[] = {{"create", kCreate}, {"delete", kDelete}};
 
-constexpr QRX_U8 kSubCreate = 3;
-constexpr QRX_U8 kSubDelete = 4;
 constexpr std::int32_t kZeroAgain = 255;  // another way to write PD 0
 
 struct Wish {
@@ -111,15 +108,9 @@ bool read(int letter, const char* word, Wish& wish)
     }
 }
 
-int send(QRX_U8 subOpcode, QRX_U16 unit, QRX_U32 members)
-{
-    return qrx::carryOut(qrx::vendorCommand(kGroupVd, subOpcode, unit).word(13, members).word(14, 0), "cmd failed.\n",
-                         "cmd success\n");
-}
-
 int create(const Wish& wish)
 {
-    return send(kSubCreate, static_cast<QRX_U16>(wish.stripe | wish.mode << 8), wish.members);
+    return qrx::vd::carryOut(qrx::vd::createCommand(wish.mode, wish.stripe).word(13, wish.members).word(14, 0));
 }
 
 int remove(const Wish& wish)
@@ -128,7 +119,7 @@ int remove(const Wish& wish)
     if (QRX_VD_Has_OS(gCurrentAdapter, id, qrx::recordOf(gCurrentAdapter).MaxNS) == kVdHasOs) {
         return qrx::refuse(0, "\nUnable to delete VD %d. Because it contains a OS volume.\n", wish.id + qrx::idBase());
     }
-    return send(kSubDelete, id, 0);
+    return qrx::vd::carryOut(qrx::vd::deleteCommand(id).word(13, 0).word(14, 0));
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // `vd`.
-#include "api/src/function/systemdisk/systemdisk.h"
 #include "api/src/interface/wire/ns.h"
 #include "cli/Functions/simple/simple_vd.h"
 #include "tests/unit/cli/storage_fixture.h"
+#include "tests/unit/cli/system_disk.h"
 
 namespace {
 
@@ -28,25 +28,6 @@ protected:
         machine.expect(page(0x00E5, 0x1001).data(envelope(ns)));
         machine.expect(page(0x00E0, 0x5001).data(envelope(current())));
     }
-};
-
-// A system disk with namespace id 0x37 on the second controller.
-class SystemDisk {
-public:
-    explicit SystemDisk(ScriptedMachine& machine)
-    {
-        auto* disks = GetNVMEDiskManagementInstance();
-        PQRXSystemDisk disk = CreateQRXSystemDiskInstance(machine.makeDevice(9), "/dev/nvme3n1");
-        disk->getNSID = [](PQRXSystemDisk, QRX_U8) { return QRX_U8{0x37}; };
-        disks->m_os_devs[disks->m_os_count++] = disk;
-    }
-    ~SystemDisk()
-    {
-        auto* disks = GetNVMEDiskManagementInstance();
-        disks->Final(disks);
-    }
-    SystemDisk(const SystemDisk&) = delete;
-    SystemDisk& operator=(const SystemDisk&) = delete;
 };
 
 TEST_F(VdCommand, Help)

@@ -1,5 +1,4 @@
-// Options that the commands for virtual disks have in common. Each reader stores its option's argument, or says on
-// `stream` what is wrong with it and gives false.
+// What the commands for virtual disks have in common: options, and vendor commands.
 #pragma once
 
 #include <cctype>
@@ -7,9 +6,12 @@
 #include <cstring>
 
 #include "api/src/interface/wire/types.h"
+#include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/number.h"
 
 namespace qrx::vd {
+
+// Readers store their option's argument, or say on `stream` what is wrong with it and give false.
 
 // -r: a RAID mode code.
 bool readMode(const char* word, QRX_U8& mode);
@@ -36,5 +38,13 @@ bool eachPd(const char* list, Add&& add)
     }
     return true;
 }
+
+// The command that makes a virtual disk of a RAID mode and stripe code. CDW13, its members, and CDW14 are the caller's.
+AdminCommand createCommand(QRX_U8 mode, QRX_U8 stripe);
+// The command that deletes one. Nothing guards it.
+AdminCommand deleteCommand(QRX_U16 id);
+
+// Sends either, and says how it went. Returns the device's status.
+int carryOut(const AdminCommand& command);
 
 }  // namespace qrx::vd

@@ -1,0 +1,52 @@
+// `sdelete`.
+#include "cli/Functions/simple/vd_command.h"
+#include "cli/Functions/storage/delete.h"
+#include "cli/Public/frame/handler.h"
+#include "cli/Public/frame/number.h"
+
+const char simple_delete_help[] =
+    "\n"
+    "sdelete -i <vd id> [-h]\n"
+    "\n"
+    "Options:\n"
+    "    -i, --vd_id <vd id>\n"
+    "        VD id.\n"
+    "    -h, --help\n"
+    "\n"
+    "Examples:\n"
+    "    sdelete -i 0\n"
+    "    Delete VD id 0.\n"
+    "\n";
+
+namespace {
+
+constexpr char kLetters[] = "i:\x01:h";
+constexpr option kLong[] = {
+    {"vd_id", required_argument, nullptr, 'i'},
+    qrx::kOutputRow,
+    qrx::kHelpRow,
+    qrx::kEndRow,
+};
+
+constexpr int kIdMax = 0xFFFF;  // a larger one would be cut, and name another virtual disk
+
+}  // namespace
+
+int doSDelete(int argc, char** argv, PCommand_Info pCmdInfo)
+{
+    qrx::OptionScan scan(argc, argv, kLetters, kLong);
+    int id = 0;  // as the controller counts, in one-based mode too
+    if (const auto result = qrx::readOptions(scan, pCmdInfo, "i", 1, [&](int) {
+            return (qrx::take(qrx::readNumber(scan.word()), id) && id <= kIdMax) ||
+                   qrx::complain("-i : invalid vd id '%s'.\n", scan.word());
+        })) {
+        return *result;
+    }
+    if (scan.repeated("i")) {
+        return qrx::duplicateOption();
+    }
+    if (!scan.has('i')) {
+        return qrx::optionRequired(pCmdInfo, 'i', 1);
+    }
+    return qrx::vd::carryOut(qrx::vd::deleteCommand(static_cast<QRX_U16>(id)));
+}
