@@ -23,3 +23,8 @@ set(torture_rows
 )
 # A run of it lasts two seconds, and tests/cli/flash_failure_test.py sees it fail in all the other ways.
 set(torture_rows_of_updates "flash -o hba -f image -s 1 -c 1")
+# The handlers that no command table names, on the program qrx_unlisted.
+set(torture_rows_unlisted
+    "lab: create -r 1 -d 0,1" "lab: create -r 0 -d 0,1 -n name -x 0,0" "lab: screate -r 0 -d 4" "assign -d 0"
+    "raid: delete --waiveconfirmation -i 0" "delete --waiveconfirmation -i 0" "delete -i 0" "sdelete -i 0"
+)

@@ -1,12 +1,13 @@
 """Runs one command again and again, each time with the next thing failing, until a run sees no failure.
 
     /usr/bin/python3 torture.py --bin build/release/bin device memory file -- "info -o hba"
+    /usr/bin/python3 torture.py --bin build/release/bin --program qrx_unlisted device -- "lab: create -r 1 -d 0,1"
 
 device: the n-th device command fails; memory: the n-th allocation; file: the n-th file call. Asked of each run: it ends
 by itself within the time limit, by no signal, and without a word from a sanitizer or from the C++ library's last
 resort. A run that does not is printed with the flags that repeat it alone.
 
-Start-up is the same for every command, and has the first failures. With `version` each kind of failure befalls it; with
+Start-up is the same for every command, and has the first failures. With `version` (`help` of qrx_unlisted) each kind of failure befalls it; with
 other commands the first kind of device failure does, and the others begin where the command does. With --dense a command
 of very many steps is tried at its first ones, and at some of the others.
 """
@@ -23,7 +24,7 @@ SECONDS = 30          # that one run may take
 MOST_RUNS = 20000     # a count that never ends is a failure too
 FIRST_SIGNAL = 128    # an exit value above this tells a signal, as a shell would
 LAST_WORDS = re.compile(r"Sanitizer|runtime error:|terminate called|Assertion|stack smashing|free\(\)|corrupted")
-STARTUP = "version"   # a command that is nothing but start-up and end
+STARTUP = {"qrx_cli": "version", "qrx_unlisted": "help"}  # a command that is nothing but start-up and end
 END_CALLS = 8         # calls of the end of a program, at most: they are not part of the start
 
 # How the n-th device command fails, in the words of the simulator's --fault.
@@ -57,8 +58,8 @@ class Trouble(Exception):
 class Bench:
     """Where the runs take place: the programs, a scenario, and a directory with the files that commands name."""
 
-    def __init__(self, bin_dir, scenario, directory):
-        self.bin_dir, self.scenario, self.directory = bin_dir, scenario, directory
+    def __init__(self, bin_dir, program, scenario, directory):
+        self.bin_dir, self.program, self.scenario, self.directory = bin_dir, program, scenario, directory
         self.environment = os.environ | {"PATH": f"{bin_dir}:/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C"}
         self.files = {name: directory / name for name in ("image", "file", "output")}
         self.files["file"].write_bytes(bytes(4096))
@@ -68,7 +69,7 @@ class Bench:
     def run(self, options, command, prefix=()):
         """Runs the command; raises Trouble unless it ends in an orderly way."""
         self.files["output"].unlink(missing_ok=True)
-        line = [self.bin_dir / "qrx_sim", "--scenario", self.scenario, *options, "--", *prefix, "qrx_cli", *shlex.split(command)]
+        line = [self.bin_dir / "qrx_sim", "--scenario", self.scenario, *options, "--", *prefix, self.program, *shlex.split(command)]
         try:
             done = subprocess.run(line, env=self.environment, cwd=self.directory, stdin=subprocess.DEVNULL,
                                   capture_output=True, timeout=SECONDS, check=False)
@@ -107,8 +108,9 @@ class Bench:
 def torture(bench, what, kind, command, arguments):
     """All runs of one kind. Returns their number and whether all went well."""
     first = 1
-    if not arguments.nth and command != STARTUP and kind != KINDS["device"][0]:
-        first = max(bench.one(what, STARTUP, kind, 0) - (0 if what == "device" else END_CALLS), 0) + 1
+    startup = STARTUP[bench.program]
+    if not arguments.nth and command != startup and kind != KINDS["device"][0]:
+        first = max(bench.one(what, startup, kind, 0) - (0 if what == "device" else END_CALLS), 0) + 1
     came, good = 0, True
     for nth in [arguments.nth] if arguments.nth else counts(first, arguments.dense):
         try:
@@ -116,7 +118,8 @@ def torture(bench, what, kind, command, arguments):
                 break
         except Trouble as trouble:
             good = False
-            print(f"--only {kind} --nth {nth} {what} -- {shlex.quote(f'{bench.scenario}: {command}')}: {trouble}", flush=True)
+            row = shlex.quote(f"{bench.scenario}: {command}")
+            print(f"--program {bench.program} --only {kind} --nth {nth} {what} -- {row}: {trouble}", flush=True)
         came += 1
     print(f"{what}, {kind}: {came} runs that saw a failure", flush=True)
     if came == 0 and first == 1:
@@ -128,6 +131,7 @@ def torture(bench, what, kind, command, arguments):
 def main():
     parser = argparse.ArgumentParser(description="Runs a command with each thing failing in turn.")
     parser.add_argument("--bin", required=True, type=pathlib.Path, help="directory of qrx_cli and qrx_sim")
+    parser.add_argument("--program", default="qrx_cli", choices=STARTUP, help="the program that is run")
     parser.add_argument("--only", action="append", help="these kinds of failure alone")
     parser.add_argument("--nth", type=int, help="this one run alone")
     parser.add_argument("--dense", type=int, default=0, help="try each of so many, from there on fewer and fewer")
@@ -139,7 +143,7 @@ def main():
     scenario, _, command = arguments.command.rpartition(": ")
     runs, good = 0, True
     with tempfile.TemporaryDirectory(prefix="torture-") as directory:
-        bench = Bench(arguments.bin.resolve(), scenario or "pair", pathlib.Path(directory))
+        bench = Bench(arguments.bin.resolve(), arguments.program, scenario or "pair", pathlib.Path(directory))
         for what in arguments.what:
             for kind in KINDS[what]:
                 if not arguments.only or kind in arguments.only:
