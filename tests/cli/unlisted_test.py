@@ -51,7 +51,7 @@ class Unlisted(unittest.TestCase):
 
     def namespaces(self):
         """How many there are on virtual disk 0."""
-        return self.command("qrx_cli", "info", "-o", "ns", "-t", "vd", "-v", "0").stdout.count("Namespace ID:")
+        return self.command("qrx_cli", "info", "-o", "ns", "-t", "vd", "-v", "0").stdout.count("NS ID:")
 
     def make_virtual_disk(self):
         done = self.command("qrx_unlisted", "create", "-r", "1", "-d", "0,1")
