@@ -4,11 +4,10 @@
 #include <algorithm>
 #include <vector>
 
-#include "api/src/interface/wire/pd.h"
 #include "api/src/interface/wire/vd.h"
+#include "tests/unit/cli/free_disks_fixture.h"
 #include "tests/unit/cli/health_texts.h"
 #include "tests/unit/cli/input.h"
-#include "tests/unit/cli/storage_fixture.h"
 
 namespace {
 
@@ -21,21 +20,8 @@ const std::string kQuestion = "Are you sure you want to secure erase this disk? 
 const std::string kAgain = "Please input y or n.\n";
 const std::string kCancel = "Cancel secure erase command.\n";
 
-class HotkeyCommand : public StorageTest {
+class HotkeyCommand : public FreeDisksTest {
 protected:
-    // PDs 0 to the last one named, of which those named are free.
-    void expectPds(QRX_U16 count, const std::vector<QRX_U16>& free)
-    {
-        current().MaxPD = static_cast<QRX_U8>(count);
-        current().PortCount = 1;
-        for (QRX_U16 id = 0; id < count; ++id) {
-            NVME_PD_Info pd{};
-            pd.ID = id;
-            pd.Status = std::find(free.begin(), free.end(), id) != free.end() ? kPdMediaPatrol : kPdAssigned;
-            machine.expect(pdFetch(id).data(envelope(pd)));
-        }
-    }
-    static Command pdFetch(QRX_U32 id) { return page(0xE1, 0x5001).word(14, id); }
     static Command create(QRX_U32 mode, QRX_U32 stripe, QRX_U32 members)
     {
         return plain(0x03E2 | stripe << 16 | mode << 24, 0x7001).word(13, members).word(14, 1);

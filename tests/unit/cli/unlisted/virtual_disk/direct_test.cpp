@@ -1,4 +1,5 @@
 // `screate`, `sdelete` and `assign`.
+#include "tests/unit/cli/free_disks_fixture.h"
 #include "tests/unit/cli/unlisted/virtual_disk/fixture.h"
 
 namespace {
@@ -30,20 +31,8 @@ const std::string kCreatePage =
     "    Create a RAID 1 VD with 1 namespace and stripe block size is 512 KB\n"
     "\n";
 
-class DirectCreate : public VirtualDiskTest {
+class DirectCreate : public FreeDisksTest {
 protected:
-    // The disks below `count`, of which those named are free.
-    void expectDisks(QRX_U16 count, const std::vector<QRX_U16>& free)
-    {
-        current().MaxPD = static_cast<QRX_U8>(count);
-        current().PortCount = 1;
-        for (QRX_U16 id = 0; id < count; ++id) {
-            NVME_PD_Info pd{};
-            pd.ID = id;
-            pd.Status = std::find(free.begin(), free.end(), id) != free.end() ? kPdMediaPatrol : kPdAssigned;
-            machine.expect(page(0xE1, 0x5001).word(14, id).data(envelope(pd)));
-        }
-    }
     static Command create(QRX_U32 mode, QRX_U32 stripe, QRX_U32 members, QRX_U32 namespaces)
     {
         return plain(0x03E2 | stripe << 16 | mode << 24, 0x7001).word(13, members).word(14, namespaces);
@@ -61,13 +50,13 @@ TEST_F(DirectCreate, Help)
 
 TEST_F(DirectCreate, TakesAllFreeDisks)
 {
-    expectDisks(4, {0, 1, 2, 3});
+    expectPds(4, {0, 1, 2, 3});
     machine.expect(create(16, 1, 0x7F, 0));
     EXPECT_EQ(unlisted({"screate", "-r", "10", "-d", "1"}), kDone);
-    expectDisks(2, {0, 1});
+    expectPds(2, {0, 1});
     machine.expect(create(1, 2, 0x3, 0x12345678));
     EXPECT_EQ(unlisted({"screate", "--raidmode", "1", "--disk", "99", "--sbs=512", "--namespace=305419896"}), kDone);
-    expectDisks(3, {});
+    expectPds(3, {});
     machine.expect(create(15, 0, 0, 1));
     EXPECT_EQ(unlisted({"screate", "-rJBOD", "-d0", "-b128", "-n1", "--output", "x"}), kDone);
 }
@@ -81,7 +70,7 @@ TEST_F(DirectCreate, AnEmptyEntryAmongTheFirstCountsAsDiskZero)
         {{1, 3, 4}, 0x3},     // entries empty, 1, empty
         {{0, 1, 3}, 0x3}};    // entries 0, 1, empty
     for (const auto& [free, bitmap] : kSets) {
-        expectDisks(6, free);
+        expectPds(6, free);
         machine.expect(create(0, 1, bitmap, 0));
         EXPECT_EQ(unlisted({"screate", "-r", "0", "-d", "2"}), kDone) << bitmap;
     }
@@ -89,12 +78,12 @@ TEST_F(DirectCreate, AnEmptyEntryAmongTheFirstCountsAsDiskZero)
 
 TEST_F(DirectCreate, ModesAndMembersAreTheFirmwaresToJudge)
 {
-    expectDisks(1, {0});
+    expectPds(1, {0});
     machine.expect(create(96, 1, 1, 0).status(0x73D));
     EXPECT_EQ(unlisted({"screate", "-r", "60", "-d", "1"}),
               (Outcome{0x73D, "cmd failed.\n", "Invalid HD count (Status Code: 0x73d)\n"}));
     runAsJbof();
-    expectDisks(1, {0});
+    expectPds(1, {0});
     machine.expect(create(1, 1, 1, 0));
     EXPECT_EQ(unlisted({"screate", "-r", "1", "-d", "1"}), kDone);
 }
@@ -102,7 +91,7 @@ TEST_F(DirectCreate, ModesAndMembersAreTheFirmwaresToJudge)
 TEST_F(DirectCreate, DebugLines)
 {
     dbg_enable = 1;
-    expectDisks(0, {});
+    expectPds(0, {});
     machine.expect(create(5, 1, 0, 3));
     EXPECT_EQ(unlisted({"screate", "-r", "5", "-d", "1", "-n", "3"}),
               (Outcome{0,
@@ -134,7 +123,7 @@ TEST_F(DirectCreate, TooManyAndTooFewOptions)
 
 TEST_F(DirectCreate, OfARepeatedModeTheLastOneStands)
 {
-    expectDisks(1, {});
+    expectPds(1, {});
     machine.expect(create(1, 1, 0, 0));
     EXPECT_EQ(unlisted({"screate", "-r", "0", "-r", "1", "-d", "1"}), kDone);
 }
