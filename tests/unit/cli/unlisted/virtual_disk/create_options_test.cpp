@@ -1,4 +1,6 @@
 // `create`: its options, and what it refuses before it asks the controller.
+#include <numeric>
+
 #include "tests/unit/cli/unlisted/virtual_disk/create_fixture.h"
 
 namespace {
@@ -144,10 +146,8 @@ std::string idsBelow(int count)
 
 TEST_F(CreateOptions, AsManyMembersAsThereIsRoomFor)
 {
-    std::vector<QRX_U16> all;
-    for (QRX_U16 id = 0; id < 32; ++id) {
-        all.push_back(id);
-    }
+    std::vector<QRX_U16> all(32);
+    std::iota(all.begin(), all.end(), QRX_U16{0});
     expectAll(plan(kRaid0, all));
     EXPECT_EQ(unlisted({"create", "-n", "data", "-r", "0", "-d", idsBelow(32)}), kCreated);
     const Outcome tooMany{1, "-d : number of PDs should be no more than 32\n"};
@@ -249,10 +249,8 @@ TEST_F(CreateOptions, NumbersOfMembersThatAModeTakes)
                          {"6", 6, {3, 4, 32}, 2},   {"60", 96, {6, 8, 32}, 4}};
     for (const Row& row : kRows) {
         for (const int count : row.counts) {
-            std::vector<QRX_U16> members;
-            for (int id = 0; id < count; ++id) {
-                members.push_back(static_cast<QRX_U16>(id));
-            }
+            std::vector<QRX_U16> members(static_cast<std::size_t>(count));
+            std::iota(members.begin(), members.end(), QRX_U16{0});
             NVME_Create_VD vd = plan(row.mode, members);
             vd.NumParityDisk = row.parity;
             expectAll(vd);

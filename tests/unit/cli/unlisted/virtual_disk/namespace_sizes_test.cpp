@@ -69,7 +69,7 @@ TEST_F(NamespaceSizes, AreSectorsOnTheWire)
     room.SectorSize = 4096;
     room.LBA = sectors(100, 4096);
     EXPECT_EQ(assign("1,99"), (Outcome{0, ""}));
-    EXPECT_EQ(bytesOf(vd), with({262144, 99 * 262144}));
+    EXPECT_EQ(bytesOf(vd), with({0x40000, 0x18C0000}));
     room.SectorSize = 520;
     EXPECT_EQ(assign("3"), (Outcome{0, ""}));
     EXPECT_EQ(bytesOf(vd), with({(QRX_U64{3} << 30) / 520}));
