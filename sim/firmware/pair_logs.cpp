@@ -38,7 +38,7 @@ Verdict Controller::PairAnswers::console_config()
 
 Verdict Controller::PairAnswers::set_console_config()
 {
-    return with<NVME_Debug_Dump_Config>([&](const auto& config) { return controller.switch_log(config.dumpOn); });
+    return with<NVME_Debug_Dump_Config>([&](const auto& record) { return controller.switch_log(record.dumpOn); });
 }
 
 }  // namespace qrx::sim
