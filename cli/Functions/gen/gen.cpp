@@ -1,13 +1,13 @@
 // `gen`.
 #include "cli/Functions/gen/gen.h"
 
-#include <algorithm>
 #include <array>
-#include <string>
+#include <string_view>
 
 #include "api/src/interface/wire/buffer.h"
 #include "api/src/interface/wire/ns.h"
 #include "cli/Public/frame/handler.h"
+#include "cli/Public/frame/list.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/output_file.h"
 #include "cli/Public/utility.h"
@@ -73,16 +73,11 @@ struct Wish {
     NVME_NS_HSSF space{};
 };
 
-// Appends comma-separated controller ids to the list. Empty pieces are passed over.
+// Appends comma-separated controller ids to the list.
 bool addControllers(std::string_view list, NVME_NS_ATTACHMENT_PRP& controllers)
 {
-    while (!list.empty()) {
-        const std::string piece(list.substr(0, list.find(',')));
-        list.remove_prefix(std::min(piece.size() + 1, list.size()));
-        if (piece.empty()) {
-            continue;
-        }
-        const auto id = qrx::readNumber(piece.c_str());
+    return qrx::eachElement(list, [&](const char* element) {
+        const auto id = qrx::readNumber(element);
         if (!id) {
             return complain("--list : controller ids should be a number\n");
         }
@@ -90,8 +85,8 @@ bool addControllers(std::string_view list, NVME_NS_ATTACHMENT_PRP& controllers)
             return complain("--list : at most %zu controller ids\n", kControllerListMax);
         }
         controllers.Identifier[controllers.NumOfIdentifiers++] = static_cast<QRX_U16>(*id);
-    }
-    return true;
+        return true;
+    });
 }
 
 // A negative number fills a wider field with its sign.

@@ -151,12 +151,7 @@ int getStatus()
     if (const int status = command.receive(response.bytes())) {
         return qrx::refuse(status, kUnable);
     }
-    if (!response.isSigned()) {
-        if (dbg_enable != 0) {
-            const std::span<const QRX_U8> sign = response.bytes();
-            qrx::print("receive sign get 0x%x 0x%x 0x%x expect 0x%x 0x%x 0x%x\n", sign[0], sign[1], sign[2],
-                       kFrameSign[0], kFrameSign[1], kFrameSign[2]);
-        }
+    if (!response.checkSign()) {
         return 0;
     }
     return response.record<NVME_AP_Debug_Dump_Config>()->on;

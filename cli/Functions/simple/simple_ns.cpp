@@ -1,9 +1,7 @@
 // `ns`: its options, and which action they ask for.
 #include "cli/Functions/simple/simple_ns.h"
 
-#include <algorithm>
 #include <cstring>
-#include <string>
 #include <string_view>
 
 #include "api/src/interface/globals.h"
@@ -11,6 +9,7 @@
 #include "cli/Functions/simple/ns_table.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/handler.h"
+#include "cli/Public/frame/list.h"
 #include "cli/Public/frame/number.h"
 
 const char simple_ns_help[] =
@@ -105,17 +104,12 @@ bool readShifted(const char* word, int base, int& field, const char* notNumber, 
     return field >= 0 || complain(negative, word);
 }
 
-// Appends comma-separated controller ids to the list. Empty elements are passed over.
+// Appends comma-separated controller ids to the list.
 bool addControllers(std::string_view list, NVME_NS_ATTACHMENT_PRP& controllers)
 {
-    while (!list.empty()) {
-        const std::string element(list.substr(0, list.find(',')));
-        list.remove_prefix(std::min(element.size() + 1, list.size()));
-        if (element.empty()) {
-            continue;
-        }
+    return qrx::eachElement(list, [&](const char* element) {
         int id = 0;
-        if (!readShifted(element.c_str(), qrx::idBase(), id, "-d : controller ids should be a number\n",
+        if (!readShifted(element, qrx::idBase(), id, "-d : controller ids should be a number\n",
                          "invalid controller id '%s'\n")) {
             return false;
         }
@@ -123,8 +117,8 @@ bool addControllers(std::string_view list, NVME_NS_ATTACHMENT_PRP& controllers)
             return complain("-d : at most %zu controller ids\n", kControllerListMax);
         }
         controllers.Identifier[controllers.NumOfIdentifiers++] = static_cast<QRX_U16>(id);
-    }
-    return true;
+        return true;
+    });
 }
 
 // Stores the option's argument; false after a complaint.

@@ -105,4 +105,14 @@ bool Response::isSigned() const
     return std::memcmp(page_.data(), kFrameSign, 3) == 0;
 }
 
+bool Response::checkSign() const
+{
+    const bool good = isSigned();
+    if (!good && dbg_enable != 0) {
+        print("receive sign get 0x%x 0x%x 0x%x expect 0x%x 0x%x 0x%x\n", page_[0], page_[1], page_[2], kFrameSign[0],
+              kFrameSign[1], kFrameSign[2]);
+    }
+    return good;
+}
+
 }  // namespace qrx

@@ -65,6 +65,8 @@ public:
     [[nodiscard]] std::span<QRX_U8> bytes() { return page_; }
     [[nodiscard]] std::span<const QRX_U8> bytes() const { return page_; }
     [[nodiscard]] bool isSigned() const;  // bytes 0 to 2 are "QRX"
+    // The same; under dbg_enable a line tells what stands there instead.
+    [[nodiscard]] bool checkSign() const;
     [[nodiscard]] bool isGood() const { return isSigned() && status() == 0; }
     [[nodiscard]] QRX_U8 status() const { return page_[offsetof(NVMEReceiveData, cmd_status)]; }
 
