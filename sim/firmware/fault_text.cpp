@@ -1,10 +1,10 @@
 // The text form of a fault.
 #include <array>
-#include <charconv>
 #include <string>
 
 #include "sim/firmware/errno_name.h"
 #include "sim/firmware/fault_injector.h"
+#include "sim/firmware/key_value.h"
 
 namespace qrx::sim {
 
@@ -14,51 +14,14 @@ constexpr QRX_U64 kAny64 = ~QRX_U64{0};
 constexpr QRX_U64 kMaxStatus = 0x7FFF;
 constexpr QRX_U64 kMaxDelay = QRX_U64{3600} * 1000 * 1000;  // an hour
 
-std::optional<QRX_U64> parse_number(std::string_view text)
-{
-    int base = 10;
-    if (text.starts_with("0x") || text.starts_with("0X")) {
-        text.remove_prefix(2);
-        base = 16;
-    }
-    QRX_U64 number = 0;
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number, base);
-    if (parsed.ec != std::errc() || parsed.ptr != text.data() + text.size()) {
-        return std::nullopt;
-    }
-    return number;
-}
-
-// One "key=value" of a fault.
-struct Piece {
-    std::string_view key;
-    std::string_view value;
-    bool has_value = false;
-};
-
-Piece split(std::string_view text)
-{
-    const std::size_t equals = text.find('=');
-    if (equals == std::string_view::npos) {
-        return {text, {}, false};
-    }
-    return {text.substr(0, equals), text.substr(equals + 1), true};
-}
-
 class Parser {
 public:
     explicit Parser(std::string_view text) : text_(text) {}
 
     Result<Fault> parse()
     {
-        std::string_view rest = text_;
-        while (true) {
-            const std::size_t comma = rest.find(',');
-            read(split(rest.substr(0, comma)));
-            if (comma == std::string_view::npos || !error_.empty()) {
-                break;
-            }
-            rest.remove_prefix(comma + 1);
+        for (const KeyValue& piece : split_key_values(text_)) {
+            read(piece);  // after a failure nothing that fails is told any more
         }
         check();
         if (!error_.empty()) {
@@ -77,7 +40,7 @@ private:
 
     // Puts the number into `field`, which must not have one yet.
     template <class Number>
-    void number(const Piece& piece, std::optional<Number>& field, QRX_U64 least, QRX_U64 most)
+    void number(const KeyValue& piece, std::optional<Number>& field, QRX_U64 least, QRX_U64 most)
     {
         const auto value = parse_number(piece.value);
         if (field) {
@@ -90,7 +53,7 @@ private:
         }
     }
 
-    void queue(const Piece& piece)
+    void queue(const KeyValue& piece)
     {
         if (fault_.admin_queue) {
             fail("'queue' is given twice");
@@ -101,7 +64,7 @@ private:
         }
     }
 
-    void error_number(const Piece& piece)
+    void error_number(const KeyValue& piece)
     {
         const auto error = parse_errno(piece.value);
         if (fault_.error) {
@@ -114,7 +77,7 @@ private:
         }
     }
 
-    void delay(const Piece& piece)
+    void delay(const KeyValue& piece)
     {
         struct Unit {
             std::string_view name;
@@ -142,7 +105,7 @@ private:
         }
     }
 
-    void read(const Piece& piece)
+    void read(const KeyValue& piece)
     {
         if (piece.key == "corrupt") {
             if (piece.has_value) {
