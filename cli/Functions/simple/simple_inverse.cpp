@@ -43,17 +43,11 @@ constexpr qrx::Keyword kActions[] = {{"get", kGet}, {"noinverse", kNoInverse}, {
 constexpr QRX_U8 kSubSet = 0x19;
 constexpr QRX_U8 kSubGet = 0x1A;
 
-int outcome(int status, const char* verb)
-{
-    return status == 0 ? qrx::refuse(0, "%s success.\n", verb)
-                       : qrx::refuse(status, "%s failed.(error code: 0x%02x)\n", verb, static_cast<unsigned>(status));
-}
-
 int set(QRX_U16 value)
 {
     const auto command = qrx::vendorCommand(kGroupAdapter, kSubSet, value);
     command.debug();
-    return outcome(command.send(), "Set Inverse");
+    return qrx::reportCode(command.send(), "Set Inverse");
 }
 
 int get()
@@ -64,7 +58,7 @@ int get()
     command.debug();
     const int status = command.receive(page);
     showInverseStatus(page.data());
-    return outcome(status, "Get Inverse Status");
+    return qrx::reportCode(status, "Get Inverse Status");
 }
 
 }  // namespace

@@ -67,4 +67,11 @@ int report(int status, const char* failure, const char* success)
     return status;
 }
 
+int reportCode(int status, const char* what)
+{
+    status == 0 ? print("%s success.\n", what)
+                : print("%s failed.(error code: 0x%02x)\n", what, static_cast<unsigned>(status));
+    return status;
+}
+
 }  // namespace qrx

@@ -21,5 +21,7 @@ int optionValNotRequired(PCommand_Info row, char letter, int result = 0);
 
 // The line of a command that was sent: `failure` unless `status` is 0.
 int report(int status, const char* failure, const char* success);
+// The same as "<what> success.", and "<what> failed." with the status behind it.
+int reportCode(int status, const char* what);
 
 }  // namespace qrx
