@@ -3,6 +3,7 @@
 #include <array>
 
 #include "api/src/interface/wire/adapter.h"
+#include "api/src/interface/wire/buffer.h"
 #include "api/src/interface/wire/pio.h"
 #include "sim/firmware/json_fields.h"
 
@@ -19,6 +20,13 @@ constexpr QRX_U32 kExpressAt = 0x70;
 constexpr QRX_U32 kMsiXAt = 0xB0;
 constexpr QRX_U32 kAerAt = 0x148;
 constexpr QRX_U32 kSecondaryExpressAt = 0x190;
+// Of Advanced Error Reporting.
+constexpr QRX_U32 kUncorrectableMask = 0x08;
+constexpr QRX_U32 kSeverity = 0x0C;
+constexpr QRX_U32 kCorrectableMask = 0x14;
+constexpr QRX_U32 kAerControl = 0x18;
+constexpr QRX_U32 kHeaderLog = 0x1C;
+constexpr QRX_U32 kPrefixLog = 0x38;
 
 constexpr auto kAnswerWords = std::to_array<JsonWord>({{ConfigSpace::kData, "data"},
                                                        {ConfigSpace::kUnsupported, "unsupported-request"},
@@ -30,6 +38,11 @@ constexpr auto kAnswerWords = std::to_array<JsonWord>({{ConfigSpace::kData, "dat
 constexpr QRX_U32 capability(QRX_U32 id, QRX_U32 next)
 {
     return id | next << 8;
+}
+
+QRX_U32 dword_of(const std::array<QRX_U8, 16>& log, QRX_U32 offset)
+{
+    return wire::read<QRX_U32>(log, offset).value_or(0);
 }
 
 constexpr QRX_U32 extended(QRX_U32 id, QRX_U32 version, QRX_U32 next)
@@ -71,6 +84,24 @@ QRX_U32 ConfigSpace::dword(QRX_U32 offset) const
         return aer ? uncorrectable : 0;
     case kAerAt + pci::kAerCorrectable:
         return aer ? correctable : 0;
+    case kAerAt + kUncorrectableMask:
+        return aer ? uncorrectable_mask : 0;
+    case kAerAt + kSeverity:
+        return aer ? severity : 0;
+    case kAerAt + kCorrectableMask:
+        return aer ? correctable_mask : 0;
+    case kAerAt + kAerControl:
+        return aer ? aer_control : 0;
+    case kAerAt + kHeaderLog:
+    case kAerAt + kHeaderLog + 4:
+    case kAerAt + kHeaderLog + 8:
+    case kAerAt + kHeaderLog + 12:
+        return aer ? dword_of(header_log, offset - kAerAt - kHeaderLog) : 0;
+    case kAerAt + kPrefixLog:
+    case kAerAt + kPrefixLog + 4:
+    case kAerAt + kPrefixLog + 8:
+    case kAerAt + kPrefixLog + 12:
+        return aer ? dword_of(prefix_log, offset - kAerAt - kPrefixLog) : 0;
     case kSecondaryExpressAt:
         return extended(kSecondaryExpress, 1, 0);
     default:

@@ -4,6 +4,7 @@
 // 0x100, Advanced Error Reporting at 0x148, Secondary PCI Express at 0x190.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <span>
 #include <string>
@@ -31,8 +32,15 @@ struct ConfigSpace {
     QRX_U8 width = 4;     // lanes
     bool express = true;  // has a PCI Express capability
     bool aer = true;      // has an Advanced Error Reporting capability
+    // Registers of Advanced Error Reporting, as after power-on.
     QRX_U32 correctable = 0;
+    QRX_U32 correctable_mask = 0x2000;  // advisory errors
     QRX_U32 uncorrectable = 0;
+    QRX_U32 uncorrectable_mask = 0;
+    QRX_U32 severity = 0x00462030;
+    QRX_U32 aer_control = 0x000000A0;     // can make ECRC and check it
+    std::array<QRX_U8, 16> header_log{};  // of the first error's packet, in the order of the registers' bytes
+    std::array<QRX_U8, 16> prefix_log{};
 
     friend bool operator==(const ConfigSpace&, const ConfigSpace&) = default;
 

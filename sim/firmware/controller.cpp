@@ -1,19 +1,11 @@
 #include "sim/firmware/controller.h"
 
 #include <algorithm>
+#include <iterator>
 
-#include "api/src/interface/wire/command.h"
 #include "sim/firmware/text.h"
 
 namespace qrx::sim {
-
-namespace {
-
-constexpr auto kOpcodes =
-    std::to_array<QRX_U8>({kPairSend, kPairReceive, static_cast<QRX_U8>(kVendorRead), static_cast<QRX_U8>(kVendorWrite),
-                           static_cast<QRX_U8>(kTunnelFromDrive), static_cast<QRX_U8>(kTunnelToDrive)});
-
-}  // namespace
 
 Controller::Controller()
 {
@@ -148,9 +140,12 @@ VpdFacts Controller::vpd_facts() const
     return facts;
 }
 
-std::span<const QRX_U8> Controller::vendor_opcodes() const
+std::vector<QRX_U8> Controller::vendor_opcodes() const
 {
-    return kOpcodes;
+    std::vector<QRX_U8> open;
+    std::copy_if(kVendorOpcodes.begin(), kVendorOpcodes.end(), std::back_inserter(open),
+                 [this](QRX_U8 opcode) { return !gate.closed(is_virtual(), opcode); });
+    return open;
 }
 
 NvmeFunction::Capacity Controller::capacity() const
@@ -196,6 +191,7 @@ Clock::Duration Controller::next_change() const
 
 void Controller::advance_back_end(Clock::Duration passed)
 {
+    advance_io(passed);
     for (Drive& drive : drives) {
         drive.advance(passed);
     }

@@ -1,11 +1,13 @@
 // The RAID controller: an NVMe function with vendor commands, and drives and virtual disks behind it.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "api/src/interface/wire/command.h"
 #include "sim/firmware/adapter.h"
 #include "sim/firmware/board.h"
 #include "sim/firmware/drive.h"
@@ -15,8 +17,10 @@
 #include "sim/firmware/management_endpoint.h"
 #include "sim/firmware/nvme_function.h"
 #include "sim/firmware/oem_store.h"
+#include "sim/firmware/opcode_gate.h"
 #include "sim/firmware/pair_mailbox.h"
 #include "sim/firmware/pcie_interface.h"
+#include "sim/firmware/rate_limits.h"
 #include "sim/firmware/result.h"
 #include "sim/firmware/spi_log.h"
 #include "sim/firmware/virtual_disk.h"
@@ -44,6 +48,12 @@ public:
     // Host functions: two physical ones and the virtual ones behind them.
     static constexpr QRX_U16 kHostFunctions = 34;
     static constexpr QRX_U16 kFirstVirtualFunction = 2;
+    static constexpr std::array<QRX_U8, 6> kVendorOpcodes{kPairSend,
+                                                          kPairReceive,
+                                                          static_cast<QRX_U8>(kVendorRead),
+                                                          static_cast<QRX_U8>(kVendorWrite),
+                                                          static_cast<QRX_U8>(kTunnelFromDrive),
+                                                          static_cast<QRX_U8>(kTunnelToDrive)};
     // Asks for every namespace table of a drive.
     static constexpr QRX_U16 kAllTables = 255;
 
@@ -63,6 +73,8 @@ public:
     EventList events;
     EventRing ring;
     SpiLog spi_log;
+    std::array<RateLimits, kHostFunctions> rate_limits{};
+    OpcodeGate gate;
     QRX_U64 namespaces_made = 0;  // since the start, so that no two have the same identifiers
 
     friend bool operator==(const Controller&, const Controller&) = default;
@@ -85,6 +97,11 @@ public:
     // How reads of a drive's configuration space end from now on.
     std::optional<Failure> answer_config_reads(QRX_U32 id, ConfigSpace::Answer answer);
 
+    // Other programs read and write a namespace, in place of a workload that is on it.
+    std::optional<Failure> start_workload(QRX_U32 nsid, const Workload& workload);
+    // Puts an error into the PCIe error registers of a drive, as put_aer_error does.
+    std::optional<Failure> put_pcie_error(QRX_U32 id, std::string_view error);
+
     // Makes the OEM store hold what the controller left its factory with, or spoils it as OemStore::spoil does.
     std::optional<Failure> set_oem_data(std::string_view what);
 
@@ -101,7 +118,7 @@ public:
 
 protected:
     Completion vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data) override;
-    [[nodiscard]] std::span<const QRX_U8> vendor_opcodes() const override;
+    [[nodiscard]] std::vector<QRX_U8> vendor_opcodes() const override;
     [[nodiscard]] std::vector<QRX_U8> vendor_log(QRX_U8 page) const override;
     [[nodiscard]] Capacity capacity() const override;
     [[nodiscard]] QRX_U32 max_namespaces() const override { return adapter.max_ns; }
@@ -118,6 +135,7 @@ protected:
     void reset_back_end() override;
     void firmware_stored(unsigned target) override;
     [[nodiscard]] bool in_service(const Namespace& ns) const override;
+    void io_ended(const nvme_admin_cmd& command, const Completion& completion) override;
 
 private:
     // The tunnel: lets a drive carry out the command that the words of this one describe.
@@ -157,6 +175,16 @@ private:
     [[nodiscard]] std::optional<Verdict> carry_out(const nvme_admin_cmd& command);
     // Writes the records of the namespaces that lie on `vd`, or on any virtual disk, from `payload` on.
     void put_namespaces_of(QRX_U8 vd, std::span<QRX_U8> payload) const;
+
+    // Monitoring, rate limits, and the opcodes that hosts may use.
+    [[nodiscard]] bool is_virtual() const { return controller_id >= kFirstVirtualFunction; }
+    void advance_io(Clock::Duration passed);
+    Completion read_io_counters(std::span<QRX_U8> data) const;
+    Completion read_idle_windows(std::span<QRX_U8> data) const;
+    Completion read_rate_limits(QRX_U16 host, std::span<QRX_U8> data) const;
+    Verdict set_rate_limits(QRX_U16 host, QRX_U32 iops, QRX_U32 bandwidth);
+    Completion permit_opcodes(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    Completion read_pd_aer(QRX_U32 id, std::span<QRX_U8> data) const;
 
     // The board. A drive as long as it has power and is out of reset, or null.
     [[nodiscard]] const Drive* reachable_drive(QRX_U32 id) const;

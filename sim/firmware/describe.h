@@ -30,6 +30,13 @@ void describe(Io& io, HbaSettings& settings);
 template <class Io>
 void describe(Io& io, Board& board);
 template <class Io>
+void describe(Io& io, IoStatistics& statistics);
+template <class Io>
+void describe(Io& io, OpcodeGate& gate);
+// The rate limits of the host functions that have some.
+template <class Io>
+void describe_rate_limits(Io& io, Controller& controller);
+template <class Io>
 void describe(Io& io, PcieInterface& interface, const Controller& controller);
 template <class Io>
 void describe(Io& io, ConfigSpace& space);

@@ -110,6 +110,8 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
         controller.board.boot(controller.settings);
     }
     io.object("board", [&](auto& inner) { describe(inner, controller.board); });
+    describe_rate_limits(io, controller);
+    io.object("closed_opcodes", [&](auto& inner) { describe(inner, controller.gate); });
     controller.subsystem_vendor_id = controller.adapter.subsystem_vendor_id;
     if (Io::kReads && !io.has("oem_data")) {
         (void)controller.set_oem_data("factory");

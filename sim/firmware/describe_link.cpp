@@ -74,7 +74,13 @@ void describe(Io& io, ConfigSpace& space)
     io.flag("express", space.express);
     io.flag("aer", space.aer);
     io.number("correctable", space.correctable, 0, kAny32);
+    io.number("correctable_mask", space.correctable_mask, 0, kAny32);
     io.number("uncorrectable", space.uncorrectable, 0, kAny32);
+    io.number("uncorrectable_mask", space.uncorrectable_mask, 0, kAny32);
+    io.number("severity", space.severity, 0, kAny32);
+    io.number("aer_control", space.aer_control, 0, kAny32);
+    io.bytes("header_log", std::span(space.header_log));
+    io.bytes("prefix_log", std::span(space.prefix_log));
 }
 
 template void describe(JsonReader&, PcieInterface&, const Controller&);

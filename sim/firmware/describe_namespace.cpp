@@ -111,6 +111,7 @@ void describe(Io& io, Namespace& ns, const Controller& controller)
             std::find(ns.elsewhere.begin(), ns.elsewhere.end(), controller.controller_id) == ns.elsewhere.end(),
         "elsewhere", "must name other host functions than this, in order and each once");
     describe_extent(io, ns);
+    io.object("io", [&](auto& inner) { describe(inner, ns.io); });
 }
 
 template void describe_extent(JsonReader&, Namespace&);

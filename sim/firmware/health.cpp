@@ -19,16 +19,16 @@ QRX_U64 data_units(QRX_U64 sectors)
 
 }  // namespace
 
-void Health::count_read(QRX_U64 bytes)
+void Health::count_reads(QRX_U64 commands, QRX_U64 bytes)
 {
-    sectors_read += bytes / 512;
-    ++host_reads;
+    sectors_read += commands * (bytes / 512);
+    host_reads += commands;
 }
 
-void Health::count_write(QRX_U64 bytes)
+void Health::count_writes(QRX_U64 commands, QRX_U64 bytes)
 {
-    sectors_written += bytes / 512;
-    ++host_writes;
+    sectors_written += commands * (bytes / 512);
+    host_writes += commands;
 }
 
 _qrx_smart_log Health::log(QRX_U64 errors) const

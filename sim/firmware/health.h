@@ -31,8 +31,9 @@ struct Health {
 
     friend bool operator==(const Health&, const Health&) = default;
 
-    void count_read(QRX_U64 bytes);
-    void count_write(QRX_U64 bytes);
+    // So many commands of so many bytes each.
+    void count_reads(QRX_U64 commands, QRX_U64 bytes);
+    void count_writes(QRX_U64 commands, QRX_U64 bytes);
     void advance(Clock::Duration passed) { power_on_milliseconds += static_cast<QRX_U64>(passed.count()); }
     // `errors`: entries that the error log has ever had.
     [[nodiscard]] _qrx_smart_log log(QRX_U64 errors) const;

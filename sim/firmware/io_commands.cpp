@@ -46,8 +46,8 @@ Completion NvmeFunction::transfer(Namespace& target, const nvme_admin_cmd& comma
     }
     if (command.opcode == nvm::kWriteZeroes) {
         target.data.erase(lba, count);
-        health.count_write(0);
-        target.count_write(0);
+        health.count_writes(1, 0);
+        target.count_writes(1, 0);
         return complete(status::kSuccess);
     }
     const QRX_U64 bytes = count * target.sector_size;
@@ -60,17 +60,17 @@ Completion NvmeFunction::transfer(Namespace& target, const nvme_admin_cmd& comma
     switch (command.opcode) {
     case nvm::kWrite:
         target.data.write(lba, target.sector_size, data);
-        health.count_write(bytes);
-        target.count_write(bytes);
+        health.count_writes(1, bytes);
+        target.count_writes(1, bytes);
         return complete(status::kSuccess);
     case nvm::kRead:
         target.data.read(lba, target.sector_size, data);
-        health.count_read(bytes);
-        target.count_read(bytes);
+        health.count_reads(1, bytes);
+        target.count_reads(1, bytes);
         return complete(status::kSuccess);
     default:
-        health.count_read(bytes);
-        target.count_read(bytes);
+        health.count_reads(1, bytes);
+        target.count_reads(1, bytes);
         return complete(target.data.equals(lba, target.sector_size, data) ? status::kSuccess : status::kCompareFailure);
     }
 }

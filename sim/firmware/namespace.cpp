@@ -95,16 +95,16 @@ _qrx_smart_log Namespace::health() const
     return log;
 }
 
-void Namespace::count_read(QRX_U64 bytes)
+void Namespace::count_reads(QRX_U64 commands, QRX_U64 bytes)
 {
-    sectors_read += bytes / 512;
-    ++host_reads;
+    sectors_read += commands * (bytes / 512);
+    host_reads += commands;
 }
 
-void Namespace::count_write(QRX_U64 bytes)
+void Namespace::count_writes(QRX_U64 commands, QRX_U64 bytes)
 {
-    sectors_written += bytes / 512;
-    ++host_writes;
+    sectors_written += commands * (bytes / 512);
+    host_writes += commands;
 }
 
 NamespaceNode Namespace::node() const

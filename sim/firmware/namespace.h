@@ -8,6 +8,7 @@
 #include "api/src/interface/wire/ns.h"
 #include "api/src/interface/wire/nvme.h"
 #include "sim/firmware/host.h"
+#include "sim/firmware/io_statistics.h"
 #include "sim/firmware/sparse_store.h"
 
 namespace qrx::sim {
@@ -31,6 +32,7 @@ struct Namespace {
     QRX_U64 sectors_written = 0;  // likewise
     QRX_U64 host_reads = 0;
     QRX_U64 host_writes = 0;
+    IoStatistics io;  // since power-on; of a controller's namespaces alone
 
     friend bool operator==(const Namespace&, const Namespace&) = default;
 
@@ -45,8 +47,9 @@ struct Namespace {
     [[nodiscard]] _nvme_id_ns identify() const;
     // What has been read and written, as a health log in which everything else is 0.
     [[nodiscard]] _qrx_smart_log health() const;
-    void count_read(QRX_U64 bytes);
-    void count_write(QRX_U64 bytes);
+    // So many commands of so many bytes each.
+    void count_reads(QRX_U64 commands, QRX_U64 bytes);
+    void count_writes(QRX_U64 commands, QRX_U64 bytes);
     [[nodiscard]] NamespaceNode node() const;
 };
 

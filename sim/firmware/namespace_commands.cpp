@@ -217,7 +217,7 @@ Completion Controller::attach(const nvme_admin_cmd& command, std::span<const QRX
     if (operation > kDetach || !list) {
         return complete(status::kInvalidField);
     }
-    if (controller_id >= kFirstVirtualFunction) {
+    if (is_virtual()) {
         return complete(status::kOperationDenied);
     }
     Namespace* const ns = find_namespace(*this, command.nsid);

@@ -28,6 +28,7 @@ Completion NvmeFunction::execute_admin(const nvme_admin_cmd& command, std::span<
 Completion NvmeFunction::execute_io(const nvme_admin_cmd& command, std::span<QRX_U8> data)
 {
     const Completion completion = io(command, data);
+    io_ended(command, completion);
     if (completion.status != status::kSuccess) {
         log_error(1, command, completion, QRX_U64{command.cdw11} << 32 | command.cdw10);
     }

@@ -96,7 +96,7 @@ protected:
     // A command whose opcode is in the vendor's range.
     virtual Completion vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     // The vendor opcodes that vendor_admin knows.
-    [[nodiscard]] virtual std::span<const QRX_U8> vendor_opcodes() const { return {}; }
+    [[nodiscard]] virtual std::vector<QRX_U8> vendor_opcodes() const { return {}; }
     // A log page of the vendor's, whole; empty where there is no such page.
     [[nodiscard]] virtual std::vector<QRX_U8> vendor_log(QRX_U8 /*page*/) const { return {}; }
     [[nodiscard]] virtual Capacity capacity() const;
@@ -133,6 +133,8 @@ protected:
     virtual void firmware_stored(unsigned /*target*/) {}
     // The part of a reset that concerns what is behind the function.
     virtual void reset_back_end() {}
+    // An I/O command has ended.
+    virtual void io_ended(const nvme_admin_cmd& /*command*/, const Completion& /*completion*/) {}
     // Whether what lies under the namespace can be read and written.
     [[nodiscard]] virtual bool in_service(const Namespace& /*ns*/) const { return true; }
 

@@ -50,4 +50,14 @@ Completion reply_with(std::span<QRX_U8> data, const Record& record)
     return complete(status::kSuccess);
 }
 
+// An answer without an envelope: the record alone.
+template <class Record>
+Completion answer_with(std::span<QRX_U8> data, const Record& record)
+{
+    const auto page = data.first(std::min(data.size(), wire::kPageSize));
+    std::fill(page.begin(), page.end(), QRX_U8{0});
+    put(page, 0, record);
+    return complete(status::kSuccess);
+}
+
 }  // namespace qrx::sim

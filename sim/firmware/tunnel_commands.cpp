@@ -107,6 +107,10 @@ void Controller::reset_back_end()
         interface.reset();
     }
     board.boot(settings);
+    gate = {};
+    for (Namespace& ns : namespaces) {
+        ns.io = {};
+    }
     for (Drive& drive : drives) {
         if (board.powered(drive.id)) {
             drive.reset();

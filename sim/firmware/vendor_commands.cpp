@@ -42,6 +42,12 @@ VirtualDiskPlan plan_of(const nvme_admin_cmd& command)
     return plan;
 }
 
+// The command that opens and closes opcodes is never closed: who closed it could not open it any more.
+bool opens_gate(const nvme_admin_cmd& command)
+{
+    return command.opcode == kVendorWrite && static_cast<QRX_U16>(command.cdw12) == vendor::kPermitOpcodes;
+}
+
 }  // namespace
 
 Completion Controller::vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data)
@@ -53,6 +59,9 @@ Completion Controller::vendor_admin(const nvme_admin_cmd& command, std::span<QRX
 
 Completion Controller::vendor_command(const nvme_admin_cmd& command, std::span<QRX_U8> data)
 {
+    if (gate.closed(is_virtual(), command.opcode) && !opens_gate(command)) {
+        return complete(status::kInvalidOpcode);
+    }
     switch (command.opcode) {
     case kVendorRead:
         return vendor_read(command, data);
@@ -82,15 +91,19 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return set_time(command.cdw13, command.cdw14);
     case vendor::kReadRegister:
         return read_register(command, data);
-    case vendor::kReadHbaInfo: {
-        const auto page = data.first(std::min(data.size(), wire::kPageSize));
-        std::fill(page.begin(), page.end(), QRX_U8{0});
-        put(page, 0, hba_info());  // this one comes without an envelope
-        return complete(status::kSuccess);
-    }
+    case vendor::kReadHbaInfo:
+        return answer_with(data, hba_info());
     case vendor::kReadOemData:
-        oem.read(data);  // nor has this one
+        oem.read(data);  // without an envelope, too
         return complete(status::kSuccess);
+    case vendor::kReadRateLimits:
+        return read_rate_limits(argument, data);
+    case vendor::kReadIoCounters:
+        return read_io_counters(data);
+    case vendor::kReadIdleWindows:
+        return read_idle_windows(data);
+    case vendor::kReadPdAer:
+        return read_pd_aer(command.cdw14, data);
     case vendor::kReadPdInfo:
         return read_pd(command.cdw14, data);
     case vendor::kReadVdInfo:
@@ -127,6 +140,8 @@ Completion Controller::vendor_write(const nvme_admin_cmd& command, std::span<con
         return write_spi(command, data);
     case vendor::kWriteOemData:
         return write_oem_data(command, data);
+    case vendor::kPermitOpcodes:
+        return permit_opcodes(command, data);
     default:
         return complete(status::kInvalidField);
     }
@@ -171,6 +186,8 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
         return set_gpio(command);
     case vendor::kTestI2c:
         return test_i2c(static_cast<QRX_U8>(argument));
+    case vendor::kSetRateLimits:
+        return set_rate_limits(argument, command.cdw13, command.cdw14);
     case vendor::kSetInverse:
         return set_inverse(static_cast<QRX_U8>(argument));
     case vendor::kLedOfRootComplex:

@@ -5,9 +5,12 @@
 #include <charconv>
 #include <cstdio>
 
+#include "sim/firmware/aer.h"
 #include "sim/firmware/factory.h"
+#include "sim/firmware/key_value.h"
 #include "sim/firmware/raid_rules.h"
 #include "sim/launcher/show_board.h"
+#include "sim/launcher/workload_text.h"
 
 namespace qrx::sim {
 namespace {
@@ -26,6 +29,8 @@ constexpr auto kRows = std::to_array<Row>({
     {"oem-data", "<what>", ControlArgument::text},
     {"hba-info", "<what>", ControlArgument::text},
     {"config-reads", "<id>=<answer>", ControlArgument::text},
+    {"aer", "<id>=<error>", ControlArgument::text},
+    {"io", "<what>", ControlArgument::text},
     {"reset", "", ControlArgument::none},
     {"firmware", "", ControlArgument::none},
     {"events", "", ControlArgument::none},
@@ -87,6 +92,11 @@ std::string activity_text(const std::optional<BackgroundActivity>& activity)
            (activity->running() ? ", " + time_text(left) + " left" : ", paused");
 }
 
+std::string workload_text(const std::optional<Workload>& load)
+{
+    return load ? ", read and written for another " + time_text(load->duration - load->elapsed) : std::string();
+}
+
 std::string members_text(const VirtualDisk& vd)
 {
     std::string text;
@@ -118,7 +128,8 @@ std::string show_storage(const Controller& controller)
         if (ns.valid) {
             text += "  NS " + std::to_string(ns.nsid) + ": on " + (ns.parent_kind == kNsParentVd ? "VD " : "PD ") +
                     std::to_string(ns.parent) + ", " + std::to_string(ns.sectors) + " sectors, " +
-                    (ns.shared ? "shared, " : "private, ") + (ns.active ? "attached" : "not attached") + "\n";
+                    (ns.shared ? "shared, " : "private, ") + (ns.active ? "attached" : "not attached") +
+                    workload_text(ns.io.workload) + "\n";
         }
     }
     return text;
@@ -201,12 +212,28 @@ Result<std::string> done(const ControlRequest& request, const std::optional<Fail
     return failure ? Result<std::string>(Failure{request.command + ": " + failure->text}) : std::string();
 }
 
+Result<std::string> put_error(Controller& controller, const ControlRequest& request)
+{
+    const KeyValue piece = split_key_value(request.argument);
+    const std::optional<unsigned> id = number_in(piece.key);
+    if (!id || !piece.has_value) {
+        return Failure{"aer: '" + request.argument + "' is no drive id, '=' and error; errors are " + aer_errors()};
+    }
+    return done(request, controller.put_pcie_error(*id, piece.value));
+}
+
+Result<std::string> start_io(Controller& controller, const ControlRequest& request)
+{
+    const Result<WorkloadRequest> wanted = parse_workload(request.argument);
+    return wanted ? done(request, controller.start_workload(wanted->nsid, wanted->workload))
+                  : Failure{"io: " + wanted.error()};
+}
+
 Result<std::string> change_config_reads(Controller& controller, const ControlRequest& request)
 {
-    const std::string_view argument = request.argument;
-    const std::size_t equals = std::min(argument.find('='), argument.size());
-    const std::optional<unsigned> id = number_in(argument.substr(0, equals));
-    const auto answer = config_answer(argument.substr(std::min(equals + 1, argument.size())));
+    const KeyValue piece = split_key_value(request.argument);
+    const std::optional<unsigned> id = number_in(piece.key);
+    const auto answer = config_answer(piece.value);
     if (!id || !answer) {
         return Failure{"config-reads: '" + request.argument + "' is no drive id, '=' and answer; answers are " +
                        config_answers()};
@@ -298,6 +325,12 @@ Result<std::string> carry_out(Machine& machine, const ControlRequest& request)
     if (request.command == "config-reads") {
         return change_config_reads(**controller, request);
     }
+    if (request.command == "aer") {
+        return put_error(**controller, request);
+    }
+    if (request.command == "io") {
+        return start_io(**controller, request);
+    }
     if (request.command == "reset") {
         (*controller)->reset();
         return std::string();
@@ -330,6 +363,10 @@ another terminal give the socket that the other qrx_sim was started with, or the
   config-reads <id>=<answer>
                           how reads of a drive's configuration space end: data, unsupported-request, retry, timeout,
                           abort, or none, never
+  aer <id>=<error>        put an error into a drive's PCIe error registers, such as 1=completion-timeout; none clears
+                          them
+  io <what>               other programs read and write a namespace, such as ns=1,reads=9000,writes=500,blocks=8,
+                          seconds=10; without blocks 8 at a time, without seconds within one
   reset                   take the controller's power away and give it back: new firmware runs
   firmware                what the firmware slots of controller and drives hold
   events                  what has happened, with the time since power-on

@@ -9,6 +9,7 @@
 
 #include "sim/firmware/factory.h"
 #include "sim/launcher/control_socket.h"
+#include "sim/launcher/workload_text.h"
 #include "tests/unit/sim/transport/temporary_directory.h"
 
 namespace qrx::sim {
@@ -100,6 +101,36 @@ TEST(ControlCommand, TimesAreNumbersWithAUnit)
                   "'" + std::string(text) +
                       "' is no time; allowed are a number and a unit, such as 30s, 5m or 2h, up to 24000h");
     }
+}
+
+TEST(ControlCommand, AWorkloadIsAListOfWords)
+{
+    const auto whole = parse_workload("ns=32,reads=1000000000,writes=0x10,blocks=65536,seconds=86400");
+    ASSERT_TRUE(whole) << whole.error();
+    EXPECT_EQ(whole->nsid, 32U);
+    EXPECT_TRUE((whole->workload == Workload{1000000000, 16, 65536, 86400000, 0}));
+    const auto least = parse_workload("writes=1,ns=1");
+    ASSERT_TRUE(least) << least.error();
+    EXPECT_TRUE((least->workload == Workload{0, 1, 8, 1000, 0})) << "8 blocks each, within a second";
+}
+
+TEST(ControlCommand, AWorkloadThatIsWrongIsTold)
+{
+    const auto error = [](const char* text) { return parse_workload(text).error(); };
+    const std::string missing = "' does not tell a namespace (ns=) and what happens to it (reads=, writes=)";
+    EXPECT_EQ(error("ns=1"), "'ns=1" + missing);
+    EXPECT_EQ(error("reads=1"), "'reads=1" + missing);
+    EXPECT_EQ(error("ns=1,reads=0,writes=0"), "'ns=1,reads=0,writes=0" + missing);
+    EXPECT_EQ(error(""), "unknown word ''; allowed are ns=, reads=, writes=, blocks= and seconds=");
+    EXPECT_EQ(error("ns=1,count=1"), "unknown word 'count'; allowed are ns=, reads=, writes=, blocks= and seconds=");
+    EXPECT_EQ(error("ns=1,reads=1,reads=1"), "'reads' is given twice");
+    EXPECT_EQ(error("ns=0,reads=1"), "'0' is no value of 'ns'; allowed are numbers from 1 to 32");
+    EXPECT_EQ(error("ns=33,reads=1"), "'33' is no value of 'ns'; allowed are numbers from 1 to 32");
+    EXPECT_EQ(error("ns=1,reads"), "'' is no value of 'reads'; allowed are numbers from 0 to 1000000000");
+    EXPECT_EQ(error("ns=1,writes=1000000001"),
+              "'1000000001' is no value of 'writes'; allowed are numbers from 0 to 1000000000");
+    EXPECT_EQ(error("ns=1,reads=1,blocks=0"), "'0' is no value of 'blocks'; allowed are numbers from 1 to 65536");
+    EXPECT_EQ(error("ns=1,reads=1,seconds=1m"), "'1m' is no value of 'seconds'; allowed are numbers from 1 to 86400");
 }
 
 }  // namespace
