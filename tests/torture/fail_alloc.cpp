@@ -1,4 +1,4 @@
-// A preload library that makes one memory allocation of qrx_cli fail: see fail_nth.h.
+// A preload library that makes one memory allocation of a program fail: see fail_nth.h.
 #include <cerrno>
 #include <cstddef>
 

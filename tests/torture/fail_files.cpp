@@ -1,4 +1,4 @@
-// A preload library that makes one file call of qrx_cli fail: see fail_nth.h.
+// A preload library that makes one file call of a program fail: see fail_nth.h.
 //
 // Counted are the calls that open, read, write, flush, seek and close files, directories and pipes; what is printed on
 // standard output and standard error is not. QRX_FAIL_HOW says how the call fails:

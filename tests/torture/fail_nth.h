@@ -1,6 +1,8 @@
-// What the preload libraries of the torture share: they count certain calls that qrx_cli makes, and one of them fails.
+// What the preload libraries of the torture share: they count certain calls that a program makes, and one of them
+// fails.
 //
-//     QRX_FAIL_NTH=7 QRX_FAIL_SEEN=/tmp/seen LD_PRELOAD=libqrx_fail_files.so qrx_cli info -o hba
+//     export QRX_FAIL_PROGRAM=qrx_cli QRX_FAIL_NTH=7 QRX_FAIL_SEEN=/tmp/seen
+//     LD_PRELOAD=libqrx_fail_files.so qrx_cli info -o hba
 //
 // When the program ends, the file of QRX_FAIL_SEEN gets the number of calls that there were. QRX_FAIL_NTH=0 counts
 // alone. Other programs that inherit the preload are left alone.
@@ -27,7 +29,8 @@ public:
     // Called when the program starts, and when it ends.
     void begin()
     {
-        active_ = std::string_view(program_invocation_short_name) == "qrx_cli";
+        const char* program = std::getenv("QRX_FAIL_PROGRAM");
+        active_ = program != nullptr && std::string_view(program_invocation_short_name) == program;
         if (const char* wish = std::getenv("QRX_FAIL_NTH"); wish != nullptr) {
             wanted_ = std::atol(wish);
         }

@@ -7,9 +7,9 @@ device: the n-th device command fails; memory: the n-th allocation; file: the n-
 by itself within the time limit, by no signal, and without a word from a sanitizer or from the C++ library's last
 resort. A run that does not is printed with the flags that repeat it alone.
 
-Start-up is the same for every command, and has the first failures. With `version` (`help` of qrx_unlisted) each kind of failure befalls it; with
-other commands the first kind of device failure does, and the others begin where the command does. With --dense a command
-of very many steps is tried at its first ones, and at some of the others.
+Start-up is the same for every command, and has the first failures. With `version` each kind of failure befalls it; with
+other commands the first kind of device failure does, and the others begin where the command does. (qrx_unlisted has
+`help` in its place.) With --dense a command of very many steps is tried at its first ones, and at some of the others.
 """
 import argparse
 import os
@@ -93,8 +93,9 @@ class Bench:
         """One run with the n-th allocation or file call failing (0: none). Returns how many there were."""
         seen = self.directory / "seen"
         seen.unlink(missing_ok=True)
-        self.run([], command, ["env", f"LD_PRELOAD={self.bin_dir / LIBRARIES[what]}", f"QRX_FAIL_NTH={nth}",
-                               f"QRX_FAIL_SEEN={seen}", f"QRX_FAIL_HOW={kind.removesuffix('-file')}",
+        self.run([], command, ["env", f"LD_PRELOAD={self.bin_dir / LIBRARIES[what]}",
+                               f"QRX_FAIL_PROGRAM={self.program}", f"QRX_FAIL_NTH={nth}", f"QRX_FAIL_SEEN={seen}",
+                               f"QRX_FAIL_HOW={kind.removesuffix('-file')}",
                                # A sanitizer's library wants to come first, and can do without.
                                f"ASAN_OPTIONS=verify_asan_link_order=0:{os.environ.get('ASAN_OPTIONS', '')}"])
         if not seen.exists():
