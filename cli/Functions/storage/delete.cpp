@@ -115,9 +115,8 @@ int doDelete(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     int id = 0;
-    const char known[] = {'o', 'i', kWaive, '\0'};
     if (const auto result =
-            qrx::readOptions(scan, pCmdInfo, known, 1, [&](int letter) { return read(letter, scan.word(), id); })) {
+            qrx::readOptions(scan, pCmdInfo, "oiy", 1, [&](int letter) { return read(letter, scan.word(), id); })) {
         return *result;
     }
     if (scan.repeated("oi")) {
