@@ -12,3 +12,12 @@ bool qrx::refusedInJbof()
     print("%s", kRefusedInJbof);
     return true;
 }
+
+bool qrx::refusedInRaid()
+{
+    if (isJbof(recordOf(gCurrentAdapter))) {
+        return false;
+    }
+    print("%s", kRefusedInRaid);
+    return true;
+}

@@ -1,4 +1,4 @@
-// Commands that a controller without RAID does not have.
+// Commands that a controller without RAID does not have, and those that it alone has.
 #pragma once
 
 namespace qrx {
@@ -10,5 +10,10 @@ inline constexpr int kJbofResult = sizeof(kRefusedInJbof) - 1;
 
 // True, after the refusal, when the current controller has no RAID.
 bool refusedInJbof();
+
+// The same for the commands of a controller without RAID.
+inline constexpr char kRefusedInRaid[] = "This feature is support JBOF only.\n";
+inline constexpr int kRaidResult = sizeof(kRefusedInRaid) - 1;
+bool refusedInRaid();
 
 }  // namespace qrx
