@@ -1,8 +1,7 @@
-// `vpdread`.
+// `vpdread`, and what its later form shares with it.
 #include "cli/Functions/standard/mi_vpdread.h"
 
 #include <array>
-#include <cstdio>
 
 #include "cli/Functions/standard/mi_message.h"
 #include "cli/Public/frame/handler.h"
@@ -62,52 +61,68 @@ bool read(int letter, const char* word, Wish& wish)
     }
 }
 
-int save(PCommand_Info row, qrx::OutputFile& output, std::span<const QRX_U8> data)
+// Fetches the data into `page`. Where in it the data begins, or what the command has to return after a complaint.
+struct Fetched {
+    int status = 0;
+    std::size_t at = 0;
+};
+
+Fetched fetch(const Wish& wish, bool headInWords, std::span<QRX_U8, qrx::wire::kPageSize> page)
 {
-    return output.write(data) && output.close() ? 0 : output.refuse(row);
+    const auto request = qrx::mi::vpdRequest(kMiVpdRead, wish.offset, wish.length);
+    Fetched fetched;
+    if (headInWords) {
+        fetched.status = qrx::mi::receiveData(request, page);
+    } else {
+        std::array<QRX_U8, sizeof(request)> message{};
+        (void)qrx::wire::write(message, 0, request);
+        if (const int status = qrx::mi::sendMessage(message)) {
+            return {refuse(status, "MI send for VPD read failed.\n")};
+        }
+        fetched = {qrx::mi::receiveAnswer(page), qrx::mi::kAnswerHead};
+    }
+    if (fetched.status != 0) {
+        qrx::print("MI receive for VPD read failed.\n");
+    }
+    return fetched;
 }
 
 }  // namespace
 
-int doVPDRead(int argc, char** argv, PCommand_Info pCmdInfo)
+int qrx::mi::readVpd(int argc, char** argv, PCommand_Info row, bool headInWords)
 {
-    qrx::OptionScan scan(argc, argv, kLetters, kLong);
+    OptionScan scan(argc, argv, kLetters, kLong);
     Wish wish;
     if (const auto result =
-            qrx::readOptions(scan, pCmdInfo, "olf", 0, [&](int letter) { return read(letter, scan.word(), wish); })) {
+            readOptions(scan, row, "olf", 0, [&](int letter) { return read(letter, scan.word(), wish); })) {
         return *result;
     }
     if (scan.repeated("olf")) {
-        return qrx::duplicateOption();
+        return duplicateOption();
     }
     for (const char letter : {'o', 'l'}) {
         if (!scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter);
+            return optionRequired(row, letter);
         }
     }
-    if (wish.length > qrx::mi::kAnswerDataMax) {
-        return refuse(1, "%s: data length %u is over the %zu bytes of one answer\n", pCmdInfo->cmd,
-                      unsigned{wish.length}, qrx::mi::kAnswerDataMax);
+    const std::size_t most = headInWords ? wire::kPageSize : kAnswerDataMax;
+    if (wish.length > most) {
+        return refuseLength(row, wish.length, most);
     }
     if (wish.output.isNamed() && !wish.output.isOpen()) {
-        return wish.output.refuse(pCmdInfo);
+        return wish.output.refuse(row);
     }
-    std::array<QRX_U8, sizeof(nvmemi_command_request_message)> message{};
-    (void)qrx::wire::write(message, 0, qrx::mi::vpdRequest(kMiVpdRead, wish.offset, wish.length));
-    qrx::mi::showRange(wish.offset, wish.length);
-    if (const int status = qrx::mi::sendMessage(message)) {
-        return refuse(status, "MI send for VPD read failed.\n");
+    showRange(wish.offset, wish.length);
+    std::array<QRX_U8, wire::kPageSize> page{};
+    const Fetched fetched = fetch(wish, headInWords, page);
+    if (fetched.status != 0) {
+        return fetched.status;
     }
-    std::array<QRX_U8, qrx::wire::kPageSize> answer{};
-    if (const int status = qrx::mi::receiveAnswer(answer)) {
-        return refuse(status, "MI receive for VPD read failed.\n");
-    }
-    qrx::print("MI send for VPD read success.\n");
-    const auto data = std::span<const QRX_U8>(answer).subspan(qrx::mi::kAnswerHead, wish.length);
-    if (wish.output.isNamed()) {
-        return save(pCmdInfo, wish.output, data);
-    }
-    std::fputs("content.....\n", stdout);
-    qrx::mi::showBytes(data);
-    return 0;
+    print("MI send for VPD read success.\n");
+    return deliver(row, wish.output, std::span<const QRX_U8>(page).subspan(fetched.at, wish.length));
+}
+
+int doVPDRead(int argc, char** argv, PCommand_Info pCmdInfo)
+{
+    return qrx::mi::readVpd(argc, argv, pCmdInfo, false);
 }

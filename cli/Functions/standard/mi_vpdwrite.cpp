@@ -1,10 +1,8 @@
-// `vpdwrite`, and what its twin shares with it.
+// `vpdwrite`, and what its twins share with it.
 #include "cli/Functions/standard/mi_vpdwrite.h"
 
-#include <algorithm>
-#include <array>
-
 #include "cli/Functions/standard/mi_message.h"
+#include "cli/Functions/standard/mi_payload.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/input_file.h"
 #include "cli/Public/utility.h"
@@ -38,10 +36,6 @@ constexpr option kLong[] = {
     qrx::kEndRow,
 };
 
-constexpr std::size_t kDataOffset = offsetof(nvmemi_command_request_message, Request_Data);
-// The message is as long as a request and the file behind it.
-constexpr std::size_t kFileMax = qrx::mi::kMessageMax - sizeof(nvmemi_command_request_message);
-
 struct Wish {
     QRX_U16 offset = 0;
     QRX_U16 length = 0;
@@ -62,43 +56,40 @@ bool read(int letter, const char* word, Wish& wish)
     }
 }
 
-// The bytes of `data` from the offset on, as many as it has; those behind its end are zeros. So what is listed is not
-// what is sent, unless the offset is 0.
-void list(const Wish& wish, std::span<const QRX_U8> data, bool shortest)
+// What was read from the file, and then what goes to the offset.
+void show(const Wish& wish, const qrx::mi::WriteStyle& style, std::span<const QRX_U8> ofFile,
+          std::span<const QRX_U8> data)
 {
-    std::array<QRX_U8, qrx::mi::kMessageMax> shown{};
-    const auto rest = data.subspan(std::min<std::size_t>(wish.offset, data.size()));
-    std::copy(rest.begin(), rest.end(), shown.begin());
-    qrx::mi::showBytes(std::span<const QRX_U8>(shown).first(data.size()), wish.offset, shortest);
+    if (style.showsFile) {
+        qrx::print("spi write data.....");
+        _showRAWData(ofFile.data(), static_cast<int>(ofFile.size()));
+    }
+    qrx::mi::showFrom(wish.offset, data, style.shortestBytes);
+}
+
+int report(int status)
+{
+    return qrx::report(status, "MI send for VPD write failed.\n", "MI send for VPD write success.\n");
 }
 
 int send(PCommand_Info row, Wish& wish, const qrx::mi::WriteStyle& style)
 {
-    std::array<QRX_U8, kFileMax> content{};
-    const auto fileLength = wish.input.read(content);
-    if (!fileLength) {
-        return wish.input.refuse(row);
+    const auto request = qrx::mi::vpdRequest(kMiVpdWrite, wish.offset, wish.length);
+    if (style.headInWords) {
+        qrx::mi::FilePayload payload;
+        if (const auto result = payload.load(row, wish.input, wish.length)) {
+            return *result;
+        }
+        show(wish, style, payload.ofFile(), payload.data());
+        return report(qrx::mi::sendData(request, payload.data()));
     }
-    std::array<QRX_U8, qrx::mi::kMessageMax> page{};
-    const auto message = std::span<QRX_U8>(page).first(sizeof(nvmemi_command_request_message) + *fileLength);
-    // The controller is told of whole dwords alone.
-    const std::size_t room = message.size() / sizeof(QRX_U32) * sizeof(QRX_U32) - kDataOffset;
-    if (wish.length > room) {
-        return qrx::refuse(1, "%s: data length %u is over the %zu bytes of the message of a file of %zu bytes\n",
-                           row->cmd, unsigned{wish.length}, room, *fileLength);
+    qrx::mi::FileMessage message;
+    if (const auto result = message.make(row, &wish.input, request, wish.length)) {
+        return *result;
     }
-    (void)qrx::wire::write(message, 0, qrx::mi::vpdRequest(kMiVpdWrite, wish.offset, wish.length));
     qrx::mi::showRange(wish.offset, wish.length);
-    const auto data = message.subspan(kDataOffset, wish.length);
-    const std::size_t held = std::min(*fileLength, data.size());
-    std::copy_n(content.begin(), held, data.begin());
-    if (style.showsFile) {
-        qrx::print("spi write data.....");
-        _showRAWData(data.data(), static_cast<int>(held));
-    }
-    list(wish, data, style.shortestBytes);
-    return qrx::report(qrx::mi::sendMessage(message), "MI send for VPD write failed.\n",
-                       "MI send for VPD write success.\n");
+    show(wish, style, message.ofFile(), message.data());
+    return report(qrx::mi::sendMessage(message.bytes()));
 }
 
 }  // namespace

@@ -14,6 +14,7 @@ struct WriteStyle {
     bool helpsWhenBare = true;   // the bare command word shows the help
     bool showsFile = true;       // what was read from the file is shown first
     bool shortestBytes = false;  // bytes below 16 have one digit
+    bool headInWords = false;    // only data is sent, and nothing is said of the range
 };
 
 // Such a command, whole.

@@ -30,26 +30,6 @@ protected:
         text << std::ifstream(path, std::ios::binary).rdbuf();
         return text.str();
     }
-    // Rows of sixteen.
-    static std::string raw(const Bytes& bytes)
-    {
-        std::string text;
-        char piece[8];
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            std::snprintf(piece, sizeof(piece), "0x%02x ", bytes[i]);
-            text += (i % 16 == 0 ? "\n" : "") + std::string(piece);
-        }
-        return text + "\n";
-    }
-    static std::string helpOf(const std::string& word)
-    {
-        for (const Command_Info& row : unlistedRows()) {
-            if (row.cmd == word) {
-                return std::string("Description") + row.cmdShortHelp + row.cmdHelp;
-            }
-        }
-        return "no row";
-    }
 
     Scratch scratch;
 };
