@@ -34,6 +34,7 @@ struct Board {
     static constexpr QRX_U8 kDefaultPins = 0x30;   // what the firmware takes for all three bitmaps by itself
     static constexpr QRX_U32 kChannels = 1U << 1 | 1U << 2 | 1U << 4;
     static constexpr std::size_t kSpiBlock = wire::kPageSize;
+    static constexpr std::size_t kVpdArea = 256;  // at the beginning of the block, where earlier tools have the VPD
     static constexpr QRX_U8 kErased = 0xFF;
 
     // GPIO 4 to 7, in the bits of their numbers.

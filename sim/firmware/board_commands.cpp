@@ -246,6 +246,22 @@ Completion Controller::write_spi(const nvme_admin_cmd& command, std::span<const 
     return complete(status::kSuccess);
 }
 
+Completion Controller::write_vpd(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
+{
+    constexpr QRX_U32 kDwords = Board::kVpdArea / sizeof(QRX_U32);
+    if (data.size() != Board::kVpdArea || command.cdw10 != kDwords) {
+        return complete(status::kInvalidField);
+    }
+    if (board.protection) {
+        return complete(status::kOperationDenied);
+    }
+    std::vector<QRX_U8> block = board.spi_block();
+    std::copy(data.begin(), data.end(), block.begin());
+    board.write_spi(block);
+    tell(Event::kAdapter, 0, "has the VPD area of its SPI flash written");
+    return complete(status::kSuccess);
+}
+
 std::vector<QRX_U8> Controller::vendor_log(QRX_U8 page) const
 {
     constexpr QRX_U8 kLogSpi = 0xC0;

@@ -14,6 +14,7 @@
 #include "sim/firmware/event_list.h"
 #include "sim/firmware/event_ring.h"
 #include "sim/firmware/hba_settings.h"
+#include "sim/firmware/host_functions.h"
 #include "sim/firmware/management_endpoint.h"
 #include "sim/firmware/nvme_function.h"
 #include "sim/firmware/oem_store.h"
@@ -25,8 +26,6 @@
 #include "sim/firmware/spi_log.h"
 #include "sim/firmware/virtual_disk.h"
 #include "sim/firmware/vpd.h"
-
-struct nvmemi_message_header;
 
 namespace qrx::sim {
 
@@ -69,6 +68,7 @@ public:
     PairMailbox mailbox;
     Vpd vpd;
     ManagementEndpoint endpoint;
+    HostFunctions host_functions;
     std::vector<PcieInterface> interfaces;  // those that differ from a fresh one, in order of id
     EventList events;
     EventRing ring;
@@ -126,9 +126,13 @@ protected:
     [[nodiscard]] Clock::Duration next_change() const override;
     [[nodiscard]] bool attaches_namespaces() const override { return (adapter.features & kFeatureNamespace) != 0; }
     Completion attach(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
+    [[nodiscard]] bool formats() const override { return !adapter.raid(); }
+    Completion format(const nvme_admin_cmd& command) override;
+    [[nodiscard]] bool virtualizes() const override { return controller_id < kFirstVirtualFunction; }
+    Completion virtualize(const nvme_admin_cmd& command) override;
     [[nodiscard]] bool has_management_endpoint() const override { return true; }
     Completion management_send(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
-    Completion management_receive(std::span<QRX_U8> data) override;
+    Completion management_receive(const nvme_admin_cmd& command, std::span<QRX_U8> data) override;
     [[nodiscard]] QRX_U64 firmware_limit() const override;
     [[nodiscard]] std::string firmware_version() const override { return version_text(adapter.firmware); }
     void take_version(const std::string& version) override;
@@ -140,11 +144,14 @@ protected:
 private:
     // The tunnel: lets a drive carry out the command that the words of this one describe.
     Completion tunnel(const nvme_admin_cmd& command, std::span<QRX_U8> data);
-    // The messages of the management interface, each whole: its commands, and the tunnel in one for an admin command.
-    Completion management_command(const nvmemi_message_header& header, std::span<const QRX_U8> message);
-    Completion management_tunnel(const nvmemi_message_header& header, std::span<const QRX_U8> message);
-    // Makes the answer that waits from now on.
-    void answer_management(const nvmemi_message_header& request, QRX_U8 mi_status, std::span<const QRX_U8> data = {});
+    // The management interface: its commands, and the messages for admin commands, the controller's own and those of
+    // the tunnel.
+    ManagementAnswer answer_to(const ManagementRequest& request);
+    ManagementAnswer management_vpd(const ManagementRequest& request);
+    [[nodiscard]] ManagementAnswer management_structure(QRX_U32 what) const;
+    [[nodiscard]] nvm_subsystem_health_data_structure subsystem_health() const;
+    Completion management_admin(const nvmemi_message_header& header, std::span<const QRX_U8> message);
+    Completion management_tunnel(const nvmemi_message_header& header, const nvme_admin_cmd& inner);
     // What lay on the drive is gone: its place in a virtual disk, its namespaces, what others left on it.
     void forget_contents(Drive& drive);
     // Takes over a raw image that a host has sent, before its commit.
@@ -205,6 +212,7 @@ private:
     [[nodiscard]] Verdict test_i2c(QRX_U16 channel) const;
     Verdict switch_feature(bool HbaSettings::*feature, const char* name, QRX_U32 on);
     Completion write_spi(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    Completion write_vpd(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
 
     // Virtual disks.
     [[nodiscard]] VirtualDisk* vd_of(QRX_U32 id);

@@ -123,13 +123,15 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
             [&](auto& inner, VirtualDisk& vd) { describe(inner, vd, controller); });
     io.list("namespaces", controller.namespaces, Controller::kMaxNamespaces,
             [&](auto& inner, Namespace& ns) { describe(inner, ns, controller); });
+    io.object("host_functions", [&](auto& inner) { describe(inner, controller.host_functions); });
     io.list("interfaces", controller.interfaces, kAny8 + 1,
             [&](auto& inner, PcieInterface& interface) { describe(inner, interface, controller); });
     if (Io::kReads) {
         controller.vpd = factory_vpd(controller.vpd_facts());
     }
     io.object("vpd", [&](auto& inner) { describe(inner, controller.vpd); });
-    io.object("endpoint", [&](auto& inner) { inner.bytes("answer", controller.endpoint.answer, wire::kPageSize); });
+    io.object("endpoint",
+              [&](auto& inner) { inner.bytes("answer", controller.endpoint.answer, ManagementEndpoint::kAnswerMax); });
     io.object("mailbox", [&](auto& inner) { describe(inner, controller.mailbox); });
     io.object("events", [&](auto& inner) { describe(inner, controller.events); });
     io.object("event_ring", [&](auto& inner) { describe(inner, controller.ring); });

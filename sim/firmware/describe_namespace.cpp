@@ -34,6 +34,30 @@ void describe(Io& io, SparseStore& store, const Namespace& ns)
     });
 }
 
+struct StoredRange {
+    QRX_U64 lba = 0;
+    QRX_U64 sectors = 1;
+};
+
+template <class Io>
+void describe_uncorrectable(Io& io, SparseStore& store, const Namespace& ns)
+{
+    std::vector<StoredRange> ranges;
+    for (const auto& [first, end] : store.uncorrectable) {
+        ranges.push_back({first, end - first});
+    }
+    io.list("uncorrectable", ranges, kAny32, [&](auto& inner, StoredRange& range) {
+        inner.number("lba", range.lba, 0, kAny64);
+        inner.check(range.lba < ns.sectors, "lba", "is beyond the namespace's 'sectors'");
+        inner.number("sectors", range.sectors, 1, kAny64);
+        inner.check(range.sectors <= ns.sectors - std::min(range.lba, ns.sectors), "sectors",
+                    "go beyond the namespace's");
+        if (Io::kReads && !inner.failed()) {
+            store.spoil(range.lba, range.sectors);
+        }
+    });
+}
+
 template <class Io>
 void read_parent(Io& io, Namespace& ns, const Controller& controller)
 {
@@ -71,6 +95,7 @@ void describe_extent(Io& io, Namespace& ns)
     io.number("host_writes", ns.host_writes, 0, kAny64);
     if (!io.failed()) {
         describe(io, ns.data, ns);
+        describe_uncorrectable(io, ns.data, ns);
     }
 }
 

@@ -9,39 +9,17 @@ namespace qrx::sim {
 namespace {
 
 constexpr QRX_U32 kBroadcast = 0xFFFFFFFF;
-constexpr std::array<QRX_U32, 2> kFormats{512, 4096};  // bytes of a sector
 
 }  // namespace
 
 Completion Drive::format(const nvme_admin_cmd& command)
 {
-    constexpr QRX_U32 kEraseByKey = 2;
-    const QRX_U32 index = command.cdw10 & 0xF;
-    const QRX_U32 protection =
-        command.cdw10 >> 4 & 0x1F;  // metadata and protection information, of which there is none
-    const QRX_U32 erase = command.cdw10 >> 9 & 7;
-    if (command.nsid != kBroadcast && (command.nsid == 0 || find_namespace(*this, command.nsid) == nullptr)) {
-        return complete(status::kInvalidNamespace);
+    const Completion completion = reformat(command);
+    if (completion.status == status::kSuccess && namespaces.size() == 1) {
+        sectors = bytes() / namespaces.front().sector_size;
+        sector_size = namespaces.front().sector_size;
     }
-    if (index >= kFormats.size() || protection != 0) {
-        return complete(status::kInvalidFormat);
-    }
-    if (erase > kEraseByKey) {
-        return complete(status::kInvalidField);
-    }
-    const QRX_U32 size = kFormats.at(index);
-    for (Namespace& ns : namespaces) {
-        if (command.nsid == kBroadcast || ns.nsid == command.nsid) {
-            ns.sectors = ns.sectors * ns.sector_size / size;
-            ns.sector_size = size;
-            ns.data = {};
-        }
-    }
-    if (namespaces.size() == 1) {
-        sectors = bytes() / size;
-        sector_size = size;
-    }
-    return complete(status::kSuccess);
+    return completion;
 }
 
 Completion Drive::manage(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
@@ -67,10 +45,11 @@ Completion Drive::create_namespace(const nvme_admin_cmd& command, std::span<cons
     if (wanted->ncap != wanted->nsze) {
         return complete(status::kThinProvisioning);
     }
-    if (wanted->flbas >= kFormats.size()) {
+    const std::optional<QRX_U32> format = format_size(wanted->flbas);
+    if (!format) {
         return complete(status::kInvalidFormat);
     }
-    const QRX_U32 size = kFormats.at(wanted->flbas);
+    const QRX_U32 size = *format;
     if (wanted->nsze > capacity().unallocated / size) {
         return complete(status::kInsufficientCapacity);
     }

@@ -76,7 +76,7 @@ nvme_id_ctrl NvmeFunction::identify_controller() const
     id.cntrltype = 1;  // an I/O controller
     id.oacs = static_cast<QRX_U16>((formats() ? 1U << 1 : 0) | 1U << 2 |
                                    (attaches_namespaces() || manages_namespaces() ? 1U << 3 : 0) |
-                                   (has_management_endpoint() ? 1U << 6 : 0));
+                                   (has_management_endpoint() ? 1U << 6 : 0) | (virtualizes() ? 1U << 7 : 0));
     id.acl = 3;
     id.aerl = 0;  // one asynchronous event request
     id.frmw = slots.capabilities();
@@ -90,7 +90,7 @@ nvme_id_ctrl NvmeFunction::identify_controller() const
     id.sqes = 0x66;
     id.cqes = 0x44;
     id.nn = max_namespaces();
-    id.oncs = 0x59;                    // compare, write zeroes, select field of features, timestamp
+    id.oncs = 0x5B;                    // compare, write uncorrectable, write zeroes, select of features, timestamp
     id.fna = formats() ? 1U << 2 : 0;  // a format can erase by forgetting the key
     id.vwc = 0x07;                     // volatile write cache; flush takes all namespaces at once
     pad_with_zeros(id.subnqn, own.subnqn);

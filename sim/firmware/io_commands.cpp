@@ -17,6 +17,7 @@ Completion NvmeFunction::io(const nvme_admin_cmd& command, std::span<QRX_U8> dat
     case nvm::kFlush:
     case nvm::kWrite:
     case nvm::kRead:
+    case nvm::kWriteUncorrectable:
     case nvm::kCompare:
     case nvm::kWriteZeroes:
         break;
@@ -44,11 +45,8 @@ Completion NvmeFunction::transfer(Namespace& target, const nvme_admin_cmd& comma
     if (lba >= target.sectors || count > target.sectors - lba) {
         return complete(status::kLbaOutOfRange);
     }
-    if (command.opcode == nvm::kWriteZeroes) {
-        target.data.erase(lba, count);
-        health.count_writes(1, 0);
-        target.count_writes(1, 0);
-        return complete(status::kSuccess);
+    if (command.opcode == nvm::kWriteZeroes || command.opcode == nvm::kWriteUncorrectable) {
+        return finish_io(target, command.opcode, 0, change(target, command.opcode, lba, count));
     }
     const QRX_U64 bytes = count * target.sector_size;
     if (bytes > wire::kPageSize << kMaxTransferPages) {
@@ -57,22 +55,51 @@ Completion NvmeFunction::transfer(Namespace& target, const nvme_admin_cmd& comma
     if (bytes != data.size()) {
         return complete(status::kDataTransferError);
     }
-    switch (command.opcode) {
-    case nvm::kWrite:
-        target.data.write(lba, target.sector_size, data);
-        health.count_writes(1, bytes);
-        target.count_writes(1, bytes);
-        return complete(status::kSuccess);
-    case nvm::kRead:
-        target.data.read(lba, target.sector_size, data);
-        health.count_reads(1, bytes);
-        target.count_reads(1, bytes);
-        return complete(status::kSuccess);
-    default:
-        health.count_reads(1, bytes);
-        target.count_reads(1, bytes);
-        return complete(target.data.equals(lba, target.sector_size, data) ? status::kSuccess : status::kCompareFailure);
+    return finish_io(target, command.opcode, bytes, move(target, command.opcode, lba, data));
+}
+
+QRX_U32 NvmeFunction::change(Namespace& target, QRX_U8 opcode, QRX_U64 lba, QRX_U64 count)
+{
+    // Deallocated sectors read as zeros, so that both forms of Write Zeroes do the same.
+    if (opcode == nvm::kWriteZeroes) {
+        target.data.erase(lba, count);
+    } else {
+        target.data.spoil(lba, count);
     }
+    return status::kSuccess;
+}
+
+QRX_U32 NvmeFunction::move(Namespace& target, QRX_U8 opcode, QRX_U64 lba, std::span<QRX_U8> data)
+{
+    if (opcode == nvm::kWrite) {
+        target.data.write(lba, target.sector_size, data);
+        return status::kSuccess;
+    }
+    if (!target.data.readable(lba, data.size() / target.sector_size)) {
+        ++health.media_errors;
+        return status::kUnrecoveredRead;
+    }
+    if (opcode == nvm::kRead) {
+        target.data.read(lba, target.sector_size, data);
+        return status::kSuccess;
+    }
+    return target.data.equals(lba, target.sector_size, data) ? status::kSuccess : status::kCompareFailure;
+}
+
+// Where every command that has reached the medium ends, and is counted. `bytes`: of its data.
+Completion NvmeFunction::finish_io(Namespace& target, QRX_U8 opcode, QRX_U64 bytes, QRX_U32 outcome)
+{
+    if (outcome != status::kUnrecoveredRead && opcode != nvm::kWriteUncorrectable) {
+        const bool reads = opcode == nvm::kRead || opcode == nvm::kCompare;
+        if (reads) {
+            health.count_reads(1, bytes);
+            target.count_reads(1, bytes);
+        } else {
+            health.count_writes(1, bytes);
+            target.count_writes(1, bytes);
+        }
+    }
+    return complete(outcome);
 }
 
 }  // namespace qrx::sim

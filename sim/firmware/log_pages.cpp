@@ -102,6 +102,9 @@ nvme_effects_log NvmeFunction::effects_log() const
     if (manages_namespaces()) {
         log.acs[admin::kNamespaceManagement] = kSupported | kChangesContent | kChangesInventory;
     }
+    if (virtualizes()) {
+        log.acs[admin::kVirtualizationManagement] = kSupported;
+    }
     if (has_management_endpoint()) {
         log.acs[admin::kManagementSend] = kSupported;
         log.acs[admin::kManagementReceive] = kSupported;
@@ -115,7 +118,7 @@ nvme_effects_log NvmeFunction::effects_log() const
     for (const QRX_U8 opcode : {nvm::kFlush, nvm::kRead, nvm::kCompare}) {
         log.iocs[opcode] = kSupported;
     }
-    for (const QRX_U8 opcode : {nvm::kWrite, nvm::kWriteZeroes}) {
+    for (const QRX_U8 opcode : {nvm::kWrite, nvm::kWriteUncorrectable, nvm::kWriteZeroes}) {
         log.iocs[opcode] = kSupported | kChangesContent;
     }
     return log;

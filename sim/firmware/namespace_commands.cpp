@@ -10,6 +10,8 @@ namespace qrx::sim {
 
 namespace {
 
+constexpr QRX_U32 kBroadcast = 0xFFFFFFFF;
+
 QRX_U32 block_size(QRX_U32 sector_size)
 {
     return sector_size == 4096 ? 4096 : 512;
@@ -122,11 +124,14 @@ Verdict Controller::create_namespace(QRX_U8 parent_plus_one, QRX_U8 owner, QRX_U
         return Verdict::kInvalidParameter;
     }
     const auto parent = static_cast<QRX_U16>(parent_plus_one - 1);
-    QRX_U64 left = vd != nullptr ? vd->sectors : drive->sectors;
+    // In bytes, since a namespace may have been formatted to other sectors than its parent's.
+    const QRX_U32 sector_size = block_size(vd != nullptr ? vd->sector_size : drive->sector_size);
+    QRX_U64 left = (vd != nullptr ? vd->sectors : drive->sectors) * sector_size;
     for (const Namespace& ns : namespaces) {
-        left -= ns.parent_kind == kind && ns.parent == parent ? std::min(left, ns.sectors) : 0;
+        const bool beside = ns.parent_kind == kind && ns.parent == parent;
+        left -= beside ? std::min(left, ns.sectors * ns.sector_size) : 0;
     }
-    if (sectors == 0 || sectors > left) {
+    if (sectors == 0 || sectors > left / sector_size) {
         return Verdict::kNamespaceSize;
     }
     if (namespaces_on(kind, parent) >= adapter.max_ns_per_vd) {
@@ -135,9 +140,40 @@ Verdict Controller::create_namespace(QRX_U8 parent_plus_one, QRX_U8 owner, QRX_U
     if (!free_nsid()) {
         return Verdict::kNoNamespaceSlot;
     }
-    make_namespace(kind, parent, sectors, block_size(vd != nullptr ? vd->sector_size : drive->sector_size)).owner =
-        owner;
+    make_namespace(kind, parent, sectors, sector_size).owner = owner;
     return Verdict::kGood;
+}
+
+Completion Controller::format(const nvme_admin_cmd& command)
+{
+    const Completion completion = reformat(command);
+    if (completion.status == status::kSuccess) {
+        for (const Namespace& ns : namespaces) {
+            if (command.nsid == ns.nsid || command.nsid == kBroadcast) {
+                tell(Event::kNs, ns.nsid, "formatted with sectors of " + std::to_string(ns.sector_size) + " bytes");
+            }
+        }
+    }
+    return completion;
+}
+
+Completion Controller::virtualize(const nvme_admin_cmd& command)
+{
+    const Completion completion = host_functions.manage(command);
+    if (completion.status == status::kSuccess) {
+        const auto id = static_cast<QRX_U16>(command.cdw10 >> 16);
+        const HostFunction function = host_functions.function(id);
+        const std::string who = "has host function " + std::to_string(id);
+        const auto both = [](const std::array<QRX_U16, HostFunction::kResources>& resources) {
+            return std::to_string(resources[HostFunction::kQueues]) + " queues and " +
+                   std::to_string(resources[HostFunction::kInterrupts]) + " interrupts";
+        };
+        tell(Event::kAdapter, 0,
+             id < HostFunctions::kPrimary
+                 ? who + " get " + both(function.wanted) + " at the next reset"
+                 : who + (function.online ? " online with " : " offline with ") + both(function.resources));
+    }
+    return completion;
 }
 
 Verdict Controller::set_sharing(QRX_U16 nsid, QRX_U32 word)

@@ -54,10 +54,12 @@ Completion NvmeFunction::admin(const nvme_admin_cmd& command, std::span<QRX_U8> 
         return download_firmware(command, data);
     case admin::kFirmwareCommit:
         return commit_firmware(command);
+    case admin::kVirtualizationManagement:
+        return virtualizes() ? virtualize(command) : complete(status::kInvalidOpcode);
     case admin::kManagementSend:
         return has_management_endpoint() ? management_send(command, data) : complete(status::kInvalidOpcode);
     case admin::kManagementReceive:
-        return has_management_endpoint() ? management_receive(data) : complete(status::kInvalidOpcode);
+        return has_management_endpoint() ? management_receive(command, data) : complete(status::kInvalidOpcode);
     case admin::kFormat:
         return formats() ? format(command) : complete(status::kInvalidOpcode);
     case admin::kAbort:
@@ -95,12 +97,17 @@ Completion NvmeFunction::format(const nvme_admin_cmd& /*command*/)
     return complete(status::kInvalidOpcode);
 }
 
+Completion NvmeFunction::virtualize(const nvme_admin_cmd& /*command*/)
+{
+    return complete(status::kInvalidOpcode);
+}
+
 Completion NvmeFunction::management_send(const nvme_admin_cmd& /*command*/, std::span<const QRX_U8> /*data*/)
 {
     return complete(status::kInvalidOpcode);
 }
 
-Completion NvmeFunction::management_receive(std::span<QRX_U8> /*data*/)
+Completion NvmeFunction::management_receive(const nvme_admin_cmd& /*command*/, std::span<QRX_U8> /*data*/)
 {
     return complete(status::kInvalidOpcode);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -118,11 +119,19 @@ protected:
     [[nodiscard]] virtual bool formats() const { return false; }
     // Format NVM, if formats().
     virtual Completion format(const nvme_admin_cmd& command);
+    // What every device does for Format NVM: checks it, and makes the namespaces anew.
+    Completion reformat(const nvme_admin_cmd& command);
+    // Bytes of a sector of format `index`, or nothing where there is no such format.
+    [[nodiscard]] static std::optional<QRX_U32> format_size(QRX_U32 index);
+    // Has primary and secondary functions whose resources can be managed.
+    [[nodiscard]] virtual bool virtualizes() const { return false; }
+    // Virtualization Management, if virtualizes().
+    virtual Completion virtualize(const nvme_admin_cmd& command);
     // Has a management endpoint that NVMe-MI Send and Receive reach.
     [[nodiscard]] virtual bool has_management_endpoint() const { return false; }
     // Both, if has_management_endpoint().
     virtual Completion management_send(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
-    virtual Completion management_receive(std::span<QRX_U8> data);
+    virtual Completion management_receive(const nvme_admin_cmd& command, std::span<QRX_U8> data);
     // Most bytes of a firmware image.
     [[nodiscard]] virtual QRX_U64 firmware_limit() const { return QRX_U64{16} << 20; }
     // The version that runs, in full, where the device knows it beside the slot's revision.
@@ -157,6 +166,10 @@ private:
     void remember_version();
     void run_firmware(unsigned target);
     Completion transfer(Namespace& target, const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    // The medium's part of a command without data, and of one with data. Return its status.
+    static QRX_U32 change(Namespace& target, QRX_U8 opcode, QRX_U64 lba, QRX_U64 count);
+    QRX_U32 move(Namespace& target, QRX_U8 opcode, QRX_U64 lba, std::span<QRX_U8> data);
+    Completion finish_io(Namespace& target, QRX_U8 opcode, QRX_U64 bytes, QRX_U32 outcome);
     void log_error(QRX_U16 queue, const nvme_admin_cmd& command, const Completion& completion, QRX_U64 lba);
 };
 

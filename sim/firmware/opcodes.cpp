@@ -33,7 +33,7 @@ constexpr auto kAdminNames = std::to_array<Name>({
     {0x14, "self-test"},
     {admin::kNamespaceAttachment, "ns-attachment"},
     {0x18, "keep-alive"},
-    {0x1C, "virtualization-management"},
+    {admin::kVirtualizationManagement, "virtualization-management"},
     {admin::kManagementSend, "mi-send"},
     {admin::kManagementReceive, "mi-receive"},
     {admin::kFormat, "format"},
@@ -52,7 +52,7 @@ constexpr auto kIoNames = std::to_array<Name>({
     {nvm::kFlush, "flush"},
     {nvm::kWrite, "write"},
     {nvm::kRead, "read"},
-    {0x04, "write-uncorrectable"},
+    {nvm::kWriteUncorrectable, "write-uncorrectable"},
     {nvm::kCompare, "compare"},
     {nvm::kWriteZeroes, "write-zeroes"},
     {0x09, "dataset-management"},
@@ -70,6 +70,7 @@ constexpr auto kManagementNames = std::to_array<Name>({
 });
 
 constexpr auto kVendorNames = std::to_array<Name>({
+    {vendor::kWriteVpd, "write-vpd"},
     {vendor::kReadAdapterInfo, "read-adapter-info"},
     {vendor::kReadAdapterConfig, "read-adapter-config"},
     {vendor::kWriteAdapterConfig, "write-adapter-config"},

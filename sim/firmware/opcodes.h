@@ -23,6 +23,7 @@ inline constexpr QRX_U8 kNamespaceManagement = 0x0D;
 inline constexpr QRX_U8 kFirmwareCommit = 0x10;
 inline constexpr QRX_U8 kFirmwareDownload = 0x11;
 inline constexpr QRX_U8 kNamespaceAttachment = 0x15;
+inline constexpr QRX_U8 kVirtualizationManagement = 0x1C;
 inline constexpr QRX_U8 kManagementSend = 0x1D;
 inline constexpr QRX_U8 kManagementReceive = 0x1E;
 inline constexpr QRX_U8 kFormat = 0x80;
@@ -32,12 +33,14 @@ namespace nvm {
 inline constexpr QRX_U8 kFlush = 0x00;
 inline constexpr QRX_U8 kWrite = 0x01;
 inline constexpr QRX_U8 kRead = 0x02;
+inline constexpr QRX_U8 kWriteUncorrectable = 0x04;
 inline constexpr QRX_U8 kCompare = 0x05;
 inline constexpr QRX_U8 kWriteZeroes = 0x08;
 }  // namespace nvm
 
 // Low half of CDW12 of a vendor command: group in the low byte, sub-opcode in the high byte.
 namespace vendor {
+inline constexpr QRX_U16 kWriteVpd = 0x0000;  // of earlier tools: it has no word of its own
 inline constexpr QRX_U16 kReadAdapterInfo = 0x00E0;
 inline constexpr QRX_U16 kReadAdapterConfig = 0x01E0;
 inline constexpr QRX_U16 kWriteAdapterConfig = 0x02E0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace qrx::sim {
 
@@ -28,6 +29,7 @@ void SparseStore::read(QRX_U64 lba, QRX_U32 sector_size, std::span<QRX_U8> data)
 
 void SparseStore::write(QRX_U64 lba, QRX_U32 sector_size, std::span<const QRX_U8> data)
 {
+    mend(lba, data.size() / sector_size);
     for (; !data.empty(); ++lba, data = data.subspan(sector_size)) {
         const auto sector = data.first(sector_size);
         if (all_zero(sector)) {
@@ -48,6 +50,54 @@ bool SparseStore::equals(QRX_U64 lba, QRX_U32 sector_size, std::span<const QRX_U
 void SparseStore::erase(QRX_U64 lba, QRX_U64 count)
 {
     sectors.erase(sectors.lower_bound(lba), sectors.lower_bound(lba + count));
+    mend(lba, count);
+}
+
+void SparseStore::spoil(QRX_U64 lba, QRX_U64 count)
+{
+    if (count == 0) {
+        return;
+    }
+    erase(lba, count);
+    QRX_U64 end = lba + count;
+    const auto behind = uncorrectable.find(end);
+    if (behind != uncorrectable.end()) {
+        end = behind->second;
+        uncorrectable.erase(behind);
+    }
+    const auto next = uncorrectable.lower_bound(lba);
+    if (next != uncorrectable.begin() && std::prev(next)->second == lba) {
+        std::prev(next)->second = end;
+    } else {
+        uncorrectable[lba] = end;
+    }
+}
+
+bool SparseStore::readable(QRX_U64 lba, QRX_U64 count) const
+{
+    const auto next = uncorrectable.lower_bound(lba);
+    const bool meets_next = next != uncorrectable.end() && next->first < lba + count;
+    const bool meets_previous = next != uncorrectable.begin() && std::prev(next)->second > lba;
+    return count == 0 || (!meets_next && !meets_previous);
+}
+
+void SparseStore::mend(QRX_U64 lba, QRX_U64 count)
+{
+    const QRX_U64 end = lba + count;
+    auto range = uncorrectable.lower_bound(lba);
+    if (range != uncorrectable.begin() && std::prev(range)->second > lba) {
+        --range;
+    }
+    while (range != uncorrectable.end() && range->first < end) {
+        const auto [first, last] = *range;
+        range = uncorrectable.erase(range);
+        if (first < lba) {
+            uncorrectable[first] = lba;
+        }
+        if (last > end) {
+            uncorrectable[end] = last;
+        }
+    }
 }
 
 }  // namespace qrx::sim

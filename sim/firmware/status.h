@@ -40,6 +40,10 @@ inline constexpr QRX_U32 kNamespaceNotAttached = 0x11A;
 inline constexpr QRX_U32 kThinProvisioning = 0x11B;
 inline constexpr QRX_U32 kControllerListInvalid = 0x11C;
 inline constexpr QRX_U32 kInvalidControllerId = 0x11F;
+inline constexpr QRX_U32 kInvalidSecondaryState = 0x120;
+inline constexpr QRX_U32 kInvalidResourceCount = 0x121;
+inline constexpr QRX_U32 kInvalidResourceId = 0x122;
+inline constexpr QRX_U32 kUnrecoveredRead = 0x281;
 inline constexpr QRX_U32 kCompareFailure = 0x285;
 inline constexpr QRX_U32 kVendorType = 0x700;
 }  // namespace status

@@ -64,6 +64,19 @@ void append_words(std::string& line, const nvme_admin_cmd& command)
     append_word(line, "timeout_ms", command.timeout_ms);
 }
 
+void append_message_name(std::string& line, QRX_U8 type, QRX_U8 opcode)
+{
+    line += ' ';
+    line += management_opcode_name(type, opcode);
+    line += '(' + hex(opcode, 2) + ')';
+}
+
+// Whether the head of the message stands in the command words, and not in its data.
+bool head_in_words(const nvme_admin_cmd& command)
+{
+    return command.cdw10 != 0;
+}
+
 // What a message of the management interface asks for.
 void append_message(std::string& line, std::span<const QRX_U8> message)
 {
@@ -72,9 +85,7 @@ void append_message(std::string& line, std::span<const QRX_U8> message)
     if (!header || !opcode) {
         return;
     }
-    line += ' ';
-    line += management_opcode_name(header->NVMe_MI_Msg_Type, *opcode);
-    line += '(' + hex(*opcode, 2) + ')';
+    append_message_name(line, header->NVMe_MI_Msg_Type, *opcode);
     const auto append = [&](const char* name, std::size_t at) {
         append_word(line, name, wire::read<QRX_U32>(message, at).value_or(0));
     };
@@ -136,7 +147,9 @@ QRX_U8 verdict_of(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
 QRX_U8 management_status_of(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
 {
     constexpr std::size_t kStatus = sizeof(nvmemi_message_header);
-    return command.opcode == admin::kManagementReceive ? wire::read<QRX_U8>(data, kStatus).value_or(0) : QRX_U8{0};
+    return command.opcode == admin::kManagementReceive && !head_in_words(command)
+               ? wire::read<QRX_U8>(data, kStatus).value_or(0)
+               : QRX_U8{0};
 }
 
 }  // namespace
@@ -171,8 +184,13 @@ void Tracer::write_line(const Node& node, bool admin_queue, const nvme_admin_cmd
         line += vendor_command_name(code);
         line += '(' + hex(code, 4) + ')';
     }
-    if (admin_queue && opcode == admin::kManagementSend) {
-        append_message(line, data);
+    if (admin_queue && (opcode == admin::kManagementSend || opcode == admin::kManagementReceive)) {
+        if (head_in_words(command)) {
+            append_message_name(line, static_cast<QRX_U8>(command.cdw10 >> 11 & 0xF),
+                                static_cast<QRX_U8>(command.cdw11));
+        } else if (opcode == admin::kManagementSend) {
+            append_message(line, data);
+        }
     }
     if (admin_queue && opcode == kPairSend) {
         append_request(line, data);

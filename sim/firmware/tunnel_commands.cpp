@@ -103,6 +103,7 @@ void Controller::reset_back_end()
 {
     mailbox = {};
     endpoint = {};
+    host_functions.reset();
     for (PcieInterface& interface : interfaces) {
         interface.reset();
     }

@@ -136,6 +136,8 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
 Completion Controller::vendor_write(const nvme_admin_cmd& command, std::span<const QRX_U8> data)
 {
     switch (static_cast<QRX_U16>(command.cdw12)) {
+    case vendor::kWriteVpd:
+        return write_vpd(command, data);
     case vendor::kWriteSpi:
         return write_spi(command, data);
     case vendor::kWriteOemData:

@@ -66,9 +66,67 @@ TEST_F(Io, WriteZeroesClearsAndTakesNoData)
     EXPECT_TRUE(rig_.controller().namespaces[0].data.sectors.empty()) << "zeros are not kept";
 }
 
+TEST_F(Io, WhatWasMadeUncorrectableCannotBeReadUntilItIsWritten)
+{
+    const auto sector = std::span(buffer_).first(512);
+    EXPECT_EQ(io(1, 4, 2, pattern_).status, kGood);
+    EXPECT_EQ(io(4, 5, 2, {}).status, kGood);
+    EXPECT_EQ(io(2, 4, 1, sector).status, kGood);
+    EXPECT_EQ(io(2, 7, 1, sector).status, kGood);
+    for (const QRX_U64 lba : {4, 5, 6}) {
+        buffer_.fill(0xA5);
+        EXPECT_EQ(io(2, lba, 2, buffer_).status, 0x281U) << lba;
+        EXPECT_EQ(std::count(buffer_.begin(), buffer_.end(), 0xA5), 1024) << "nothing is read";
+        EXPECT_EQ(io(5, lba, 2, buffer_).status, 0x281U) << lba;
+    }
+    EXPECT_EQ(io(1, 5, 1, std::span(pattern_).first(512)).status, kGood);
+    EXPECT_EQ(io(2, 4, 2, buffer_).status, kGood);
+    EXPECT_EQ(io(2, 5, 2, buffer_).status, 0x281U);
+    EXPECT_EQ(io(8, 6, 1, {}).status, kGood);
+    EXPECT_EQ(io(2, 5, 2, buffer_).status, kGood);
+    EXPECT_TRUE(rig_.controller().namespaces[0].data.uncorrectable.empty());
+}
+
+TEST_F(Io, RangesOfUncorrectableSectorsJoinAndSplit)
+{
+    using Ranges = std::map<QRX_U64, QRX_U64>;
+    const Ranges& ranges = rig_.controller().namespaces[0].data.uncorrectable;
+    io(4, 10, 10, {});
+    io(4, 30, 10, {});
+    EXPECT_EQ(ranges, (Ranges{{10, 20}, {30, 40}}));
+    io(4, 20, 5, {});
+    EXPECT_EQ(ranges, (Ranges{{10, 25}, {30, 40}})) << "joins the one before";
+    io(4, 26, 4, {});
+    EXPECT_EQ(ranges, (Ranges{{10, 25}, {26, 40}})) << "joins the one behind";
+    io(4, 25, 1, {});
+    EXPECT_EQ(ranges, (Ranges{{10, 40}})) << "joins both";
+    io(8, 15, 5, {});
+    EXPECT_EQ(ranges, (Ranges{{10, 15}, {20, 40}}));
+    io(4, 12, 20, {});
+    EXPECT_EQ(ranges, (Ranges{{10, 40}})) << "covers";
+    io(8, 5, 10, {});
+    io(8, 35, 10, {});
+    EXPECT_EQ(ranges, (Ranges{{15, 35}}));
+    io(4, 0, 5, {});
+    io(8, 0, 100, {});
+    EXPECT_EQ(ranges, (Ranges{}));
+}
+
+TEST_F(Io, WriteZeroesMayDeallocate)
+{
+    EXPECT_EQ(io(1, 5, 2, pattern_).status, kGood);
+    nvme_admin_cmd command{};
+    command.opcode = 8;
+    command.nsid = 1;
+    command.cdw10 = 5;
+    command.cdw12 = 1 | 1U << 25;
+    EXPECT_EQ(rig_.machine().io({}, command, {}).status, kGood);
+    EXPECT_TRUE(rig_.controller().namespaces[0].data.sectors.empty());
+}
+
 TEST_F(Io, BoundsAreKept)
 {
-    for (const QRX_U8 opcode : {QRX_U8{1}, QRX_U8{2}, QRX_U8{5}, QRX_U8{8}}) {
+    for (const QRX_U8 opcode : {QRX_U8{1}, QRX_U8{2}, QRX_U8{4}, QRX_U8{5}, QRX_U8{8}}) {
         EXPECT_EQ(io(opcode, 4999999999, 2, buffer_).status, 0x080U);
         EXPECT_EQ(io(opcode, 5000000000, 1, buffer_).status, 0x080U);
         EXPECT_EQ(io(opcode, ~0ULL, 2, buffer_).status, 0x080U);
@@ -102,7 +160,6 @@ TEST_F(Io, NamespacesThatAreNotThere)
     EXPECT_EQ(io(0, 0, 1, {}, 1).status, kGood);
     EXPECT_EQ(io(0, 0, 1, {}, 0xFFFFFFFF).status, kGood) << "flush of all";
     EXPECT_EQ(io(0, 0, 1, {}, 4).status, 0x002U);
-    EXPECT_EQ(io(4, 0, 1, {}, 1).status, 0x001U);
     EXPECT_EQ(io(9, 0, 1, {}, 1).status, 0x001U);
 }
 
@@ -130,9 +187,21 @@ TEST_F(Io, CountersGrow)
     EXPECT_EQ(rig_.controller().health, expected);
 }
 
+TEST_F(Io, ASectorThatCannotBeReadIsAMediaError)
+{
+    Health expected = rig_.controller().health;
+    io(4, 0, 4, {});
+    io(2, 0, 2, buffer_);
+    io(5, 0, 2, buffer_);
+    expected.media_errors += 2;
+    EXPECT_EQ(rig_.controller().health, expected);
+}
+
 TEST_F(Io, DataSurvivesSavingAndLoading)
 {
     io(1, 4999999998, 2, pattern_);
+    io(4, 100, 7, {});
+    io(4, 4999999990, 8, {});
     const auto loaded = load_machine(save_machine(rig_.machine()), "state");
     ASSERT_TRUE(loaded) << loaded.error();
     EXPECT_TRUE((*loaded)->parts() == rig_.machine().parts());

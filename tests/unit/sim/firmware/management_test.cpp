@@ -216,7 +216,7 @@ TEST_F(Management, RefusalsStandInTheAnswer)
     EXPECT_EQ(refusal(vpd(7, 0, 0)), kInvalidOpcode);
     EXPECT_EQ(refusal(vpd(6, 0, 5, 20)), kInvalidInputSize);
     Bytes admin = tunnelled(0, 1, 6);
-    admin[4] = 0x06;
+    admin[4] = 0x0D;  // not for the management interface
     EXPECT_EQ(refusal(admin), kInvalidOpcode);
     EXPECT_EQ(rig.page[1], 0x90);
     EXPECT_EQ(rig.controller().vpd.eeprom, before);

@@ -98,7 +98,7 @@ TEST_F(Standard, IdentifyControllerIsTheWholePage)
     id.sqes = 0x66;
     id.cqes = 0x44;
     id.nn = 9;
-    id.oncs = 0x59;
+    id.oncs = 0x5B;
     id.vwc = 7;
     fill(id.subnqn, "nqn.2026-01.test:x");
     id.psd[0].mp = 2500;
@@ -308,7 +308,7 @@ TEST_F(Standard, CommandsLogNamesWhatIsCarriedOutAndNothingElse)
     }
     log.acs[0x15] = 9;  // changes which namespaces there are
     log.iocs[0] = log.iocs[2] = log.iocs[5] = 1;
-    log.iocs[1] = log.iocs[8] = 3;
+    log.iocs[1] = log.iocs[4] = log.iocs[8] = 3;
     EXPECT_EQ(rig_.bytes(0, 4096), raw(log));
     for (unsigned opcode = 0; opcode < 256; ++opcode) {
         nvme_admin_cmd command{};

@@ -122,6 +122,23 @@ TEST_F(TracerTest, TellsTheStatusOfAnAnswer)
     EXPECT_EQ(admin(command, 4096), "3 nvme0 admin mi-receive(0x1e) in=4096 -> success\n");
 }
 
+TEST_F(TracerTest, NamesTheMessageWhoseHeadStandsInTheWords)
+{
+    nvme_admin_cmd command{};
+    command.opcode = 0x1E;
+    command.cdw10 = 0x0884;
+    command.cdw11 = 5;
+    command.cdw13 = 0x20;
+    host_.answer = {1, 2, 3, 4, 5, 6};
+    EXPECT_EQ(admin(command, 4096),
+              "1 nvme0 admin mi-receive(0x1e) vpd-read(0x05) cdw10=0x884 cdw11=0x5 cdw13=0x20 in=4096 -> success\n")
+        << "its data has no head, and so no status";
+    command.opcode = 0x1D;
+    command.cdw11 = 6;
+    EXPECT_EQ(admin(command, 0),
+              "2 nvme0 admin mi-send(0x1d) vpd-write(0x06) cdw10=0x884 cdw11=0x6 cdw13=0x20 -> success\n");
+}
+
 TEST_F(TracerTest, WritesEveryWordThatIsNotZero)
 {
     nvme_admin_cmd command{};
