@@ -29,4 +29,11 @@ set(torture_rows_unlisted
     "raid: delete --waiveconfirmation -i 0" "delete --waiveconfirmation -i 0" "delete -i 0" "sdelete -i 0"
     "iomon -a show" "iomon -i 1 --outputfile output" "iomon_polling -i 1 -t 0" "qos -a get -i 2"
     "qos -a set -i 2 --ir 5 --iw 6 --br 50 --bw 51" "cse --list" "cse -a off -c VF -l 0xc2,0xc3" "aer -i 0"
+    "jbof: read -n 1 -s 0 -l 0 -z 512" "jbof: read -n 1 -s 0 -l 255 -z 0x20000 -f output"
+    "jbof: write -n 1 -s 0 -l 7 -z 4096 -f file" "jbof: compare -n 1 -s 0 -l 7 -f file"
+    "jbof: writezero -n 1 -s 0 -l 0" "jbof: writeuncor -n 1 -s 0 -l 0" "jbof: format -n 1 -f 1" "vf-manage -c 2 -n 4"
+    "mi_send -0 4 -5 5 -7 32" "mi_receive -l 32 -f output" "mi_admin_send -0 4 -5 6 -g 1"
+    "mi_admin_receive -s idctrl -l 32" "new_mi_send -0 4 -5 6 -7 32 -l 32 -f file"
+    "new_mi_receive -0 4 -5 5 -7 32 -l 32 -f output" "new_vpdread -o 0 -l 32" "new_vpdwrite -o 0 -l 32 -f file"
+    "vpd -t read --outputfile output" "vpd -t vsw --inputfile file"
 )
