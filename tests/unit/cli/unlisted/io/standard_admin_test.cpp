@@ -102,10 +102,7 @@ TEST_F(Format, AValueThatTheCommandHasNoRoomForIsNotCut)
 
 class VfManage : public IoTest {
 protected:
-    static Command manage(QRX_U32 cdw10, QRX_U32 cdw11)
-    {
-        return Command::admin(28, 0, {cdw10, cdw11}).on(1);
-    }
+    static Command manage(QRX_U32 cdw10, QRX_U32 cdw11) { return Command::admin(28, 0, {cdw10, cdw11}).on(1); }
 };
 
 TEST_F(VfManage, Help)
