@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <iterator>
 #include <limits>
 #include <optional>
@@ -12,6 +11,7 @@
 #include "api/src/interface/globals.h"
 #include "cli/Public/common.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/list.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/question.h"
 #include "cli/Public/frame/report.h"
@@ -61,18 +61,15 @@ bool refuseSize(int gigabytes)
 }
 
 // The sizes of a list in GB, a zero at the end; nothing after a complaint.
-std::optional<std::vector<QRX_U64>> parseSizes(std::string list, QRX_U64 capacity)
+std::optional<std::vector<QRX_U64>> parseSizes(const std::string& list, QRX_U64 capacity)
 {
     std::vector<QRX_U64> sizes;
     unsigned zeros = 0;
     QRX_U64 total = 0;
-    char* rest = nullptr;
-    for (const char* token = strtok_r(list.data(), ",", &rest); token != nullptr;
-         token = strtok_r(nullptr, ",", &rest)) {
-        const std::int32_t size = qrx::strtol32(token, 10);
-        if (!isNumber(token)) {
-            refuseSize(size);
-            return std::nullopt;
+    const bool good = qrx::eachElement(list, [&](const char* element) {
+        const std::int32_t size = qrx::strtol32(element, 10);
+        if (!isNumber(element)) {
+            return refuseSize(size);
         }
         if (size == 0) {
             ++zeros;
@@ -80,6 +77,10 @@ std::optional<std::vector<QRX_U64>> parseSizes(std::string list, QRX_U64 capacit
             sizes.push_back(static_cast<QRX_U64>(size));
             total += sizes.back();
         }
+        return true;
+    });
+    if (!good) {
+        return std::nullopt;
     }
     if (zeros > 1) {
         complain("The namespace size is wrong, it contain more than  two '0', please type again.\n");
