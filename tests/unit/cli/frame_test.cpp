@@ -1,10 +1,12 @@
 // What the handlers are written on: options, numbers, lines, commands.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/lines.h"
+#include "cli/Public/frame/list.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/option_scan.h"
 #include "cli/Public/frame/report.h"
@@ -156,6 +158,23 @@ TEST(Numbers, TheOneBasedRule)
     EXPECT_EQ(idBase(), 0);
 }
 
+TEST(Lists, GiveTheirElementsInOrderWithoutTheEmptyOnes)
+{
+    const auto elements = [](std::string_view list, const std::string& refused) {
+        std::string seen;
+        const bool all = eachElement(list, [&](const char* element) {
+            seen += std::string(element) + ";";
+            return element != refused;
+        });
+        return seen + (all ? "all" : "refused");
+    };
+    EXPECT_EQ(elements("1,0x2, 3", "-"), "1;0x2; 3;all");
+    EXPECT_EQ(elements(",a,,b,", "-"), "a;b;all");
+    EXPECT_EQ(elements("", "-"), "all");
+    EXPECT_EQ(elements(",", "-"), "all");
+    EXPECT_EQ(elements("a,b,c", "b"), "a;b;refused") << "nothing behind it is looked at";
+}
+
 TEST(LabelLines, NarrowToThirtyTwoBits)
 {
     const Lines lines(10);
@@ -208,6 +227,9 @@ TEST(Report, TheWordsOfEveryHandler)
     EXPECT_EQ(outcomeOf([] { return refuse(3, "-a : %s %d\n", "x", 4); }), (Outcome{3, "-a : x 4\n"}));
     EXPECT_EQ(outcomeOf([] { return report(0, "no\n", "yes\n"); }), (Outcome{0, "yes\n"}));
     EXPECT_EQ(outcomeOf([] { return report(-1, "no\n", "yes\n"); }), (Outcome{-1, "no\n"}));
+    EXPECT_EQ(outcomeOf([] { return reportCode(0, "It"); }), (Outcome{0, "It success.\n"}));
+    EXPECT_EQ(outcomeOf([] { return reportCode(5, "It"); }), (Outcome{5, "It failed.(error code: 0x05)\n"}));
+    EXPECT_EQ(outcomeOf([] { return reportCode(-1, "It"); }), (Outcome{-1, "It failed.(error code: 0xffffffff)\n"}));
 }
 
 class AdminCommands : public testing::Test {
@@ -272,6 +294,22 @@ TEST_F(AdminCommands, EachLetterOfTheSignatureCounts)
         }
         EXPECT_EQ(response.isSigned(), letter == 3);
     }
+}
+
+TEST_F(AdminCommands, UnderDebugWhatStandsInPlaceOfTheSignatureIsTold)
+{
+    Response response;
+    std::copy_n("QRx", 3, response.bytes().begin());
+    bool good = true;
+    const auto line = [&] { return linesOf([&] { good = response.checkSign(); }); };
+    EXPECT_EQ(line(), "");
+    EXPECT_FALSE(good);
+    dbg_enable = 1;
+    EXPECT_EQ(line(), "receive sign get 0x51 0x52 0x78 expect 0x51 0x52 0x58\n");
+    EXPECT_FALSE(good);
+    response.bytes()[2] = 'X';
+    EXPECT_EQ(line(), "");
+    EXPECT_TRUE(good);
 }
 
 TEST_F(AdminCommands, DebugLines)
