@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "api/src/interface/wire/pio.h"
-
 namespace qrx::sim {
 
 namespace {
@@ -45,7 +43,7 @@ constexpr auto kErrors = std::to_array<Error>({
 constexpr QRX_U32 kFirstErrorBits = 0x1F;
 constexpr QRX_U32 kPrefixLogged = 1U << 11;
 constexpr unsigned kBlockedPrefix = 25;
-// A read of memory by the drive, as header bytes 3 to 0, 7 to 4, 11 to 8, 15 to 12.
+// A read of memory by the drive: bytes 3 to 0 of the header, 7 to 4, 11 to 8, 15 to 12.
 constexpr std::array<QRX_U8, 16> kHeader{0x20, 0x00, 0x00, 0x20, 0xFF, 0x07, 0x00, 0x01,
                                          0x01, 0x00, 0x00, 0x00, 0x00, 0x40, 0x3A, 0x7C};
 constexpr std::array<QRX_U8, 4> kPrefix{0x34, 0x12, 0x00, 0x91};
@@ -55,7 +53,7 @@ constexpr std::array<QRX_U8, 4> kPrefix{0x34, 0x12, 0x00, 0x91};
 AER_Data aer_record(const ConfigSpace& space)
 {
     AER_Data record{};
-    record.AERID = space.dword(pci::kFirstExtendedCapability + 0x48);
+    record.AERID = space.dword(ConfigSpace::kAerAt);
     record.AERUCES = space.uncorrectable;
     record.AERUCEM = space.uncorrectable_mask;
     record.AERUCESEV = space.severity;

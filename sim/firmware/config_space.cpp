@@ -18,7 +18,6 @@ constexpr QRX_U32 kSerialNumber = 0x0003;
 constexpr QRX_U32 kSecondaryExpress = 0x0019;
 constexpr QRX_U32 kExpressAt = 0x70;
 constexpr QRX_U32 kMsiXAt = 0xB0;
-constexpr QRX_U32 kAerAt = 0x148;
 constexpr QRX_U32 kSecondaryExpressAt = 0x190;
 // Of Advanced Error Reporting.
 constexpr QRX_U32 kUncorrectableMask = 0x08;

@@ -27,6 +27,8 @@ struct ConfigSpace {
         kNone = 5,  // the engine never tells that it is done
     };
 
+    static constexpr QRX_U32 kAerAt = 0x148;  // where Advanced Error Reporting lies
+
     QRX_U8 answer = kData;
     QRX_U8 speed = 3;     // of the link: 1 2.5, 2 5, 3 8, 4 16 GT/s
     QRX_U8 width = 4;     // lanes
