@@ -32,11 +32,12 @@ NVME_IOmon_Statistic_Idle_Time_Data idle_times(const std::array<QRX_U32, kIomonW
 void Controller::io_ended(const nvme_admin_cmd& command, const Completion& completion)
 {
     Namespace* const ns = find_namespace(*this, command.nsid);
-    const bool write = command.opcode == nvm::kWrite || command.opcode == nvm::kWriteZeroes;
+    const bool marks = command.opcode == nvm::kWriteZeroes || command.opcode == nvm::kWriteUncorrectable;
+    const bool write = command.opcode == nvm::kWrite || marks;
     if (ns == nullptr || !(write || command.opcode == nvm::kRead || command.opcode == nvm::kCompare)) {
         return;
     }
-    const QRX_U64 sectors = command.opcode == nvm::kWriteZeroes ? 0 : (command.cdw12 & 0xFFFF) + 1;
+    const QRX_U64 sectors = marks ? 0 : (command.cdw12 & 0xFFFF) + 1;
     ns->io.count(write, completion.status == status::kSuccess, sectors, ns->sector_size, clock.uptime);
 }
 

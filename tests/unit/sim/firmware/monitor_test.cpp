@@ -146,8 +146,10 @@ TEST_F(Monitor, ComparesAreReadsAndWriteZeroesAreWrites)
     EXPECT_EQ(io(5, 1, 0, 1, 512).status, kGood);
     EXPECT_EQ(io(5, 1, 1, 1, 512).status, 0x285U);
     EXPECT_EQ(io(8, 1, 0, 100, 0).status, kGood);
-    EXPECT_EQ(reads(1), (Numbers{2, 1, 1, 1, 90}));
-    EXPECT_EQ(writes(1), (Numbers{2, 1, 2, 0, 30 + 30}));
+    EXPECT_EQ(io(4, 1, 50, 100, 0).status, kGood);  // uncorrectable from now on
+    EXPECT_EQ(io(2, 1, 50, 1, 512).status, 0x281U);
+    EXPECT_EQ(reads(1), (Numbers{3, 1, 1, 2, 90}));
+    EXPECT_EQ(writes(1), (Numbers{3, 1, 3, 0, 30 + 30 + 30}));
 }
 
 TEST_F(Monitor, FailuresAreCountedAndMoveNothing)
