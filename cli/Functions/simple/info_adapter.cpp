@@ -5,15 +5,14 @@
 #include "api/src/interface/api.h"
 #include "api/src/interface/wire/nvme.h"
 #include "cli/Functions/simple/info_fetch.h"
+#include "cli/Functions/simple/info_list.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/identify.h"
-#include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/report.h"
 
 namespace {
 
-using qrx::Lines;
 using qrx::print;
 using qrx::Response;
 using qrx::vendorCommand;
@@ -22,7 +21,6 @@ using qrx::info::Status;
 constexpr QRX_U8 kSubReadHbaInfo = 0x0F;
 constexpr std::size_t kSriovEnableOffset = 450;  // in the stored settings, which have no envelope
 constexpr QRX_U32 kWholePage = 1023;             // CDW10: dwords less 1
-constexpr unsigned kAddressable = 256;           // controllers that an 8-bit index reaches
 
 // False when the call failed.
 bool fetchAdapter(QRX_U8 adapterID, Response& response)
@@ -46,41 +44,26 @@ void printFetched(QRX_U8 adapterID, const Response& response, bool all, bool bla
     }
 }
 
-void printEveryAdapter(bool all)
+void showFetched(QRX_U8 adapterID, bool all, bool every)
 {
-    const QRX_U16 count = QRX_Adapter_GetCount();
-    for (unsigned index = 0; index < count && index < kAddressable; ++index) {
-        const auto adapterID = static_cast<QRX_U8>(index);
-        Response response;
-        if (fetchAdapter(adapterID, response)) {
-            printFetched(adapterID, response, all, true);
-        } else {
-            print("\nUnable to get info of NVMe Controller %u, BDF:%s\n", index, QRX_Adapter_GetDeviceFun(adapterID));
-        }
+    Response response;
+    if (fetchAdapter(adapterID, response)) {
+        printFetched(adapterID, response, all, every);
+    } else if (every) {
+        print("\nUnable to get info of NVMe Controller %u, BDF:%s\n", unsigned{adapterID},
+              QRX_Adapter_GetDeviceFun(adapterID));
+    } else {
+        print("\nUnable to get info of NVMe Controller, BDF:%s\n\n",
+              adapterID == 0 ? QRX_Adapter_GetDeviceFun(0) : "Not found");
     }
-    Lines(20).number("Total # of HBA:", count);
-    print("\n");
 }
 
 }  // namespace
 
 void getAdapterInfoSA(QRX_U8 adapterID, bool all)
 {
-    if (adapterID == kAllInstances && gSpecificAdapterFlag == 0) {
-        printEveryAdapter(all);
-        return;
-    }
-    if (adapterID >= QRX_Adapter_GetCount()) {
-        print("\nUnable to get info of NVMe Controller\n");
-        return;
-    }
-    Response response;
-    if (fetchAdapter(adapterID, response)) {
-        printFetched(adapterID, response, all, false);
-    } else {
-        print("\nUnable to get info of NVMe Controller, BDF:%s\n\n",
-              adapterID == 0 ? QRX_Adapter_GetDeviceFun(0) : "Not found");
-    }
+    qrx::info::showAdapters(adapterID,
+                            "Total # of HBA:", [all](QRX_U8 adapter, bool every) { showFetched(adapter, all, every); });
 }
 
 QRX_U16 get_hostID(QRX_U8 AdapterID)

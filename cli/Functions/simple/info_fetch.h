@@ -2,8 +2,10 @@
 #pragma once
 
 #include <initializer_list>
+#include <vector>
 
 #include "api/src/interface/globals.h"
+#include "api/src/interface/wire/ns.h"
 #include "cli/Public/frame/admin_command.h"
 
 namespace qrx::info {
@@ -18,9 +20,7 @@ enum class Status {
 int fetch(const AdminCommand& command, std::initializer_list<unsigned> shown, Response& response, Status spoken,
           QRX_U8 adapter = gCurrentAdapter);
 
-// Prints from a list of namespaces the one with this NSID, or for kAllInstances those with one of the status bits,
-// and how many.
-inline constexpr QRX_U8 kAnyStatus = 0xFF;
-void printNamespaces(const Response& response, QRX_U16 nsId, QRX_U8 wantedStatus);
+// The MaxNS records of a list of namespaces, as far as the page holds them.
+std::vector<NVME_NS_Info> namespacesIn(const Response& response);
 
 }  // namespace qrx::info

@@ -1,7 +1,8 @@
 // `info -o ns`: namespaces, and their sharing state.
-#include <functional>
+#include <vector>
 
 #include "cli/Functions/simple/info_fetch.h"
+#include "cli/Functions/simple/info_list.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/lines.h"
@@ -20,44 +21,19 @@ constexpr QRX_U8 kSubListAll = 0;
 constexpr QRX_U8 kSubListOfVd = 1;
 constexpr QRX_U8 kSubReadNmic = 5;
 
-// Prints those of the MaxNS records for which `wanted` holds, and says how many. The page ends the list where MaxNS is
-// more than it can hold.
-QRX_U32 printMatching(const Response& response, const std::function<bool(const NVME_NS_Info&)>& wanted)
+}  // namespace
+
+std::vector<NVME_NS_Info> qrx::info::namespacesIn(const Response& response)
 {
-    const NVME_Adapter_Info& adapter = qrx::recordOf(gCurrentAdapter);
-    QRX_U32 found = 0;
-    for (std::size_t i = 0; i < adapter.MaxNS; ++i) {
+    std::vector<NVME_NS_Info> records;
+    for (std::size_t i = 0; i < recordOf(gCurrentAdapter).MaxNS; ++i) {
         const auto ns = response.record<NVME_NS_Info>(i * sizeof(NVME_NS_Info));
         if (!ns) {
             break;
         }
-        if (wanted(*ns)) {
-            NS_PrintInfo(*ns, qrx::isJbof(adapter));
-            ++found;
-        }
+        records.push_back(*ns);
     }
-    return found;
-}
-
-}  // namespace
-
-void qrx::info::printNamespaces(const Response& response, QRX_U16 nsId, QRX_U8 wantedStatus)
-{
-    if (nsId != kAllInstances) {
-        if (printMatching(response, [nsId](const NVME_NS_Info& ns) { return ns.NSID == nsId && ns.Status != 0; }) ==
-            0) {
-            print("\nUnable to get info of NS\n");
-        }
-        return;
-    }
-    const QRX_U32 found =
-        printMatching(response, [wantedStatus](const NVME_NS_Info& ns) { return (ns.Status & wantedStatus) != 0; });
-    if (found == 0) {
-        print("No Namespace Info Exist.\n");
-        return;
-    }
-    Lines(kWidth).number("Total # of NS:", found);
-    print("\n");
+    return records;
 }
 
 void getNSInfoSA(QRX_U16 nsId, bool /*showParentDev*/)
@@ -72,7 +48,7 @@ void getNSInfoSA(QRX_U16 nsId, bool /*showParentDev*/)
         print("\nUnable to get info of NS\n");
         return;
     }
-    qrx::info::printNamespaces(response, nsId, qrx::info::kAnyStatus);
+    qrx::info::printNamespaces(qrx::info::namespacesIn(response), nsId, qrx::info::kAnyStatus);
 }
 
 void getNSInfoOfVDSA(QRX_U16 nsId, QRX_U16 vdId)
@@ -85,7 +61,9 @@ void getNSInfoOfVDSA(QRX_U16 nsId, QRX_U16 vdId)
         print("\nUnable to get info of VD\n");
         return;
     }
-    qrx::info::printNamespaces(response, nsId, kNsValid);
+    // One that was asked for by its id is shown whatever its state.
+    qrx::info::printNamespaces(qrx::info::namespacesIn(response), nsId,
+                               nsId == kAllInstances ? kNsValid : qrx::info::kAnyStatus);
 }
 
 void NS_PrintInfo(const NVME_NS_Info& ns, bool isJBOF)

@@ -1,15 +1,14 @@
 // `info -o pd`: physical disks.
 #include "cli/Functions/simple/info_fetch.h"
+#include "cli/Functions/simple/info_list.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/device_text.h"
 #include "cli/Public/frame/lines.h"
-#include "cli/Public/frame/report.h"
 
 namespace {
 
 using qrx::fieldText;
-using qrx::print;
 
 // Leading blanks that each text may lose.
 constexpr std::size_t kModelBlanks = 15;
@@ -24,36 +23,12 @@ const char* statusWord(QRX_U8 status)
     return (status & kPdMediaPatrol) != 0 ? "Media Patrol Executing" : "Idle";
 }
 
-void printEveryPd(bool isJBOF)
-{
-    const NVME_Adapter_Info& record = qrx::recordOf(gCurrentAdapter);
-    const int range = record.MaxPD * record.PortCount;
-    QRX_U32 found = 0;
-    print("\n");
-    for (int id = 0; id < range; ++id) {
-        if (getOneHDInfoSA(static_cast<QRX_U16>(id), isJBOF) == 0) {
-            print("\n");
-            ++found;
-        }
-    }
-    if (found == 0) {
-        print("No physical disk is found.\n");
-        return;
-    }
-    qrx::Lines(23).number("Total # of PD:", found);
-    print("\n");
-}
-
 }  // namespace
 
 void getHDInfoSA(QRX_U16 HDID)
 {
     const bool isJBOF = qrx::isJbof(qrx::recordOf(gCurrentAdapter));
-    if (HDID == kAllInstances) {
-        printEveryPd(isJBOF);
-    } else if (getOneHDInfoSA(HDID, isJBOF) != 0) {
-        print("\nUnable to get info of PD\n");
-    }
+    qrx::info::showPds(HDID, [isJBOF](QRX_U16 id) { return getOneHDInfoSA(id, isJBOF); });
 }
 
 QRX_U32 getOneHDInfoSA(QRX_U16 HDID, bool isJBOF)

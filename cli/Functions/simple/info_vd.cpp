@@ -4,17 +4,16 @@
 #include <string>
 
 #include "cli/Functions/simple/info_fetch.h"
+#include "cli/Functions/simple/info_list.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/device_text.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/number.h"
-#include "cli/Public/frame/report.h"
 
 namespace {
 
 using qrx::Lines;
-using qrx::print;
 using qrx::Response;
 using qrx::vendorCommand;
 using qrx::info::Status;
@@ -75,35 +74,12 @@ std::string memberList(const NVME_VD_Info& vd)
     return list;
 }
 
-void printEveryVd()
-{
-    // The range of indices is the number of ports, not MaxVD.
-    const QRX_U8 range = qrx::recordOf(gCurrentAdapter).PortCount;
-    QRX_U32 found = 0;
-    print("\n");
-    for (QRX_U16 index = 0; index < range; ++index) {
-        if (getOneLDInfoSA(index) == 0) {
-            print("\n");
-            ++found;
-        }
-    }
-    if (found == 0) {
-        print("No virtual disk is found.\n");
-        return;
-    }
-    Lines(kWidth).number("Total # of VD:", found);
-    print("\n");
-}
-
 }  // namespace
 
 void getLDInfoSA(QRX_U16 LDID)
 {
-    if (LDID == kAllInstances) {
-        printEveryVd();
-    } else if (getOneLDInfoSA(LDID) != 0) {
-        print("\nUnable to get info of VD\n");
-    }
+    // The range of indices is the number of ports, not MaxVD.
+    qrx::info::showVds(LDID, qrx::recordOf(gCurrentAdapter).PortCount, getOneLDInfoSA);
 }
 
 QRX_U32 getOneLDInfoSA(QRX_U16 LDID)

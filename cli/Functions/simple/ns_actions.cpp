@@ -1,11 +1,11 @@
 // The actions of `ns`. Those that change the layout are refused in a virtual function.
 #include "cli/Functions/simple/ns_actions.h"
 
-#include "api/src/interface/agent.h"
 #include "api/src/interface/globals.h"
-#include "api/src/interface/wire/nvme.h"
 #include "api/src/interface/wire/pd.h"
 #include "cli/Functions/simple/info_fetch.h"
+#include "cli/Functions/simple/info_list.h"
+#include "cli/Functions/simple/ns_controllers.h"
 #include "cli/Functions/simple/ns_table.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/admin_command.h"
@@ -19,9 +19,6 @@ namespace {
 constexpr QRX_U8 kSubInit = 2;
 constexpr QRX_U8 kSubShare = 3;
 constexpr QRX_U8 kSubCreate = 4;
-constexpr QRX_U8 kNamespaceAttachment = 21;
-constexpr QRX_U32 kSelectAttach = 0;  // CDW10
-constexpr QRX_U32 kSelectDetach = 1;
 
 // Whether this function may change the layout; tells when not.
 bool isPhysical(const char* action)
@@ -104,10 +101,7 @@ int create(PCommand_Info row, const OptionScan& scan, const Wish& wish)
 // No test for a virtual function here: it may try, and the firmware decides.
 int attachOrDetach(PCommand_Info row, const OptionScan& scan, Wish& wish)
 {
-    if (_getSupportNSStatus() == 0) {
-        return refuse(0, "Namespace management and attachment is not support.\n");
-    }
-    if (!namesNamespace(row, scan)) {
+    if (!hasAttachment() || !namesNamespace(row, scan)) {
         return 0;
     }
     if (!scan.has('d')) {
@@ -120,11 +114,8 @@ int attachOrDetach(PCommand_Info row, const OptionScan& scan, Wish& wish)
         return 0;
     }
     const bool attaches = wish.action == kAttach;
-    QRX_U32 cdw10 = attaches ? kSelectAttach : kSelectDetach;
-    const auto status =
-        static_cast<int>(QRX_Adapter_Admin(gCurrentAdapter, kNamespaceAttachment, static_cast<QRX_U32>(wish.id), &cdw10,
-                                           1, &wish.controllers, sizeof(wish.controllers), nullptr, 0));
-    return refuse(status, "%s namespace %s\n", attaches ? "Attach" : "Detach", status == 0 ? "success" : "failed");
+    const int status = sendAttachment(attaches, static_cast<QRX_U32>(wish.id), wish.controllers);
+    return refuse(status, "%s namespace %s\n", attachmentWord(attaches), status == 0 ? "success" : "failed");
 }
 
 }  // namespace
@@ -143,11 +134,11 @@ int act(PCommand_Info row, const OptionScan& scan, Wish& wish)
     }
 }
 
-int showPrimary()
+int showPrimary(QRX_U8 cns, std::size_t offset)
 {
     std::array<QRX_U8, wire::kPageSize> page{};
-    const int status = identify(0, kIdentifyController, page);
-    const auto cntlid = wire::read<QRX_U16>(page, offsetof(nvme_id_ctrl, cntlid));
+    const int status = identify(0, cns, page);
+    const auto cntlid = wire::read<QRX_U16>(page, offset);
     if (status != 0 || !cntlid) {
         return refuse(status, "\nFailed to get primary controller.\n");
     }
@@ -187,5 +178,5 @@ void showNSInfo()
         qrx::print("\nUnable to get info of NS\n");
         return;
     }
-    qrx::info::printNamespaces(response, kAllInstances, qrx::info::kAnyStatus);
+    qrx::info::printNamespaces(qrx::info::namespacesIn(response), kAllInstances, qrx::info::kAnyStatus);
 }

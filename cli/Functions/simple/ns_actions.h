@@ -1,6 +1,8 @@
 // What `ns` can be asked to do.
 #pragma once
 
+#include <cstddef>
+
 #include "api/src/interface/wire/ns.h"
 #include "api/src/interface/wire/types.h"
 #include "cli/Public/common.h"
@@ -32,7 +34,7 @@ struct Wish {
 // Carries out wish.action, if the options that it needs are there. Returns what the handler returns.
 int act(PCommand_Info row, const OptionScan& scan, Wish& wish);
 
-// Shows the controller id of this function. Returns the device's status.
-int showPrimary();
+// Shows the controller id of this function, which the Identify page `cns` has at `offset`. Returns the device's status.
+int showPrimary(QRX_U8 cns, std::size_t offset);
 
 }  // namespace qrx::ns

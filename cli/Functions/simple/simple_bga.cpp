@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "api/src/interface/wire/bga.h"
+#include "cli/Functions/simple/bga_kind.h"
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
@@ -80,6 +81,8 @@ namespace {
 using qrx::complain;
 using qrx::take;
 using qrx::vendorCommand;
+using qrx::bga::Kind;
+using qrx::bga::kindOf;
 
 constexpr option kAction{"action", required_argument, nullptr, 'a'};
 constexpr option kVdId{"vd_id", required_argument, nullptr, 'i'};
@@ -89,9 +92,6 @@ constexpr option kLongWithPd[] = {kAction, kVdId, kPdId, qrx::kOutputRow, qrx::k
 
 constexpr QRX_U8 kSubReadStatus = 2;
 constexpr QRX_U8 kSubStop = 4;
-
-// What a VD can be busy with, as far as these commands go.
-enum class Kind { kNone, kInit, kRebuild, kMediaPatrol };
 
 // What differs between the three.
 struct Activity {
@@ -152,21 +152,6 @@ bool read(int letter, const char* word, Wish& wish)
         // An id that the numbering does not have is told about with the letter of the other id.
         return take(qrx::readId(word), wish.pd) ||
                complain(qrx::readNumber(word) ? "-i : invalid pd id '%s'.\n" : "-d : invalid pd id '%s'.\n", word);
-    }
-}
-
-Kind kindOf(QRX_U8 type)
-{
-    switch (type) {
-    case QRX_NVME_BGA_TYPE_VD_INIT_QUICK:
-    case QRX_NVME_BGA_TYPE_VD_INIT_BACKGROUND:
-        return Kind::kInit;
-    case QRX_NVME_BGA_TYPE_VD_REBUILD:
-        return Kind::kRebuild;
-    case QRX_NVME_BGA_TYPE_VD_MEDIAPATROL:
-        return Kind::kMediaPatrol;
-    default:
-        return Kind::kNone;
     }
 }
 

@@ -19,9 +19,4 @@ namespace qrx {
 // Reads the settings of a controller. Returns the device's status; the answer's own verdict is not looked at.
 int readConfig(QRX_U8 adapter, NVME_Adapter_Config& config);
 
-// BGARate and the words for it.
-inline constexpr QRX_U8 kRateHigh = 0;
-inline constexpr QRX_U8 kRateMedium = 2;
-inline constexpr QRX_U8 kRateLow = 32;
-
 }  // namespace qrx

@@ -1,6 +1,7 @@
 // `get`.
 #include "api/src/interface/api.h"
 #include "api/src/interface/globals.h"
+#include "cli/Functions/simple/config_changes.h"
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/handler.h"
@@ -132,13 +133,13 @@ void hbaGet_printf(const NVME_Adapter_Config& config)
     const qrx::Lines lines(24);
     lines.text("Auto Rebuild:", config.AutoRebuildOn == 1 ? "on" : "off");
     switch (config.BGARate) {
-    case qrx::kRateHigh:
+    case qrx::config::kRateHigh:
         lines.text("BGA Rate:", "High");
         break;
-    case qrx::kRateMedium:
+    case qrx::config::kRateMedium:
         lines.text("BGA Rate:", "Medium");
         break;
-    case qrx::kRateLow:
+    case qrx::config::kRateLow:
         lines.text("BGA Rate:", "Low");
         break;
     default:

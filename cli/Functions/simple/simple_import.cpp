@@ -5,6 +5,7 @@
 
 #include "api/src/interface/globals.h"
 #include "api/src/interface/vd.h"
+#include "cli/Functions/simple/import_check.h"
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/handler.h"
@@ -45,7 +46,6 @@ constexpr option kLong[] = {
 constexpr QRX_U8 kSubImportVd = 6;
 constexpr QRX_U8 kSubImportNsTable = 9;
 constexpr int kAnyTable = 255;  // when typed in hexadecimal; the same in every numbering
-constexpr QRX_U8 kImportable = 1;
 
 struct Wish {
     QRX_U8 adapter = gCurrentAdapter;
@@ -66,30 +66,18 @@ std::optional<std::int32_t> readTableId(const char* word)
     return number < qrx::idBase() ? std::nullopt : std::optional(number - qrx::idBase());
 }
 
-bool readAdapter(const char* word, QRX_U8& adapter)
-{
-    const auto id = qrx::readId(word);
-    if (!id) {
-        return complain("-i : invalid NVMe Controller id '%s'\n", word);
-    }
-    if (*id >= gNumAdaptersFound) {
-        return complain("NVMe Controller %d does not exist.\n", *id);
-    }
-    return take(id, adapter);
-}
-
 // Stores the option's argument; false after a complaint.
 bool read(int letter, const char* word, Wish& wish)
 {
     switch (letter) {
     case 'i':
-        return readAdapter(word, wish.adapter);
+        return qrx::takeController(qrx::readId(word), word, wish.adapter);
     case 'p':
         return take(qrx::readId(word), wish.pd) || complain("-p : invalid PD ID '%s'\n", word);
     case 'n':
         return take(readTableId(word), wish.table) || complain("-n : invalid NS Table ID '%s'\n", word);
     default:
-        return take(qrx::readId(word), wish.vd) || complain("-l : invalid VD ID '%s'\n", word);
+        return qrx::takeVd(qrx::readId(word), word, wish.vd);
     }
 }
 
@@ -109,11 +97,10 @@ int doSImport(int argc, char** argv, PCommand_Info pCmdInfo)
     if (!scan.has('l')) {
         return qrx::optionRequired(pCmdInfo, 'l', 1);
     }
-    const NVME_Adapter_Info& controller = qrx::recordOf(wish.adapter);
-    if ((controller.Features & kFeatureImport) == 0) {
-        return qrx::refuse(0, "Importable not support or parameters error.\n");
+    if (!qrx::canImport(wish.adapter, kFeatureImport)) {
+        return 0;
     }
-    if (qrx::isJbof(controller)) {
+    if (qrx::isJbof(qrx::recordOf(wish.adapter))) {
         importPDSA(wish.adapter, wish.pd, wish.table);
     } else {
         importVDSA(wish.adapter, wish.vd);
@@ -123,19 +110,15 @@ int doSImport(int argc, char** argv, PCommand_Info pCmdInfo)
 
 void importVDSA(QRX_U8 adapterID, QRX_U16 ld_id)
 {
-    const int shown = ld_id + qrx::idBase();
-    NVME_VD_Info vd{};
-    if (QRX_Adapter_GetSimpleVDInfo(adapterID, ld_id, &vd) != 0) {
-        print("\nUnable to get info of VD\n");
-        return;
-    }
-    if (vd.Importable != kImportable) {
-        print("\nVD %d is not importable.\n", shown);
-        return;
-    }
-    const auto command = qrx::vendorCommand(kGroupVd, kSubImportVd).word(14, ld_id);
-    command.debug();
-    print(command.send(adapterID) == 0 ? "VD %d import successfully.\n" : "\nFail to import VD %d.\n", shown);
+    qrx::importVd({.shown = ld_id + qrx::idBase(),
+                   .read = [&](NVME_VD_Info& vd) { return QRX_Adapter_GetSimpleVDInfo(adapterID, ld_id, &vd) == 0; },
+                   .send =
+                       [&] {
+                           const auto command = qrx::vendorCommand(kGroupVd, kSubImportVd).word(14, ld_id);
+                           command.debug();
+                           return command.send(adapterID) == 0;
+                       },
+                   .success = "VD %d import successfully.\n"});
 }
 
 void importPDSA(QRX_U8 adapterID, QRX_U16 pd_id, QRX_U16 ns_table_id)

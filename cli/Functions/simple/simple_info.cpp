@@ -1,10 +1,8 @@
 // `info`: its options, and what is shown for them.
 #include "cli/Functions/simple/simple_info.h"
 
-#include <array>
-
 #include "api/src/interface/globals.h"
-#include "cli/Public/frame/number.h"
+#include "cli/Functions/simple/info_options.h"
 #include "cli/Public/frame/option_scan.h"
 #include "cli/Public/frame/report.h"
 
@@ -56,7 +54,9 @@ namespace {
 
 using qrx::OptionScan;
 using qrx::refuse;
-using qrx::take;
+using qrx::info::BareWord;
+using qrx::info::Wish;
+using qrx::info::zeroBased;
 
 constexpr char kLetters[] = "o:i:t:v:u:\x01:h";
 constexpr option kLong[] = {
@@ -70,68 +70,23 @@ constexpr option kLong[] = {
     qrx::kEndRow,
 };
 
-enum Object { kHba, kPd, kVd, kNs };
-constexpr std::array<qrx::Keyword, 6> kObjects{
-    {{"hba", kHba}, {"pd", kPd}, {"hd", kPd}, {"vd", kVd}, {"ld", kVd}, {"ns", kNs}}};
-enum Type { kOfHost, kOfVd };
-constexpr std::array<qrx::Keyword, 3> kTypes{{{"host", kOfHost}, {"vd", kOfVd}, {"ld", kOfVd}}};
-
-struct Wish {
-    int object = kHba;
-    int id = kAllInstances;
-    int type = kOfHost;
-    int vd = kAllInstances;
-};
-
-// Stores the option's argument. 0, or the result of the complaint about it.
-int read(int letter, OptionScan& scan, Wish& wish)
-{
-    switch (letter) {
-    case 'o':
-        return take(qrx::keyword(scan.word(), kObjects), wish.object)
-                   ? 0
-                   : refuse(1, "-o : invalid object '%s'\n", scan.word());
-    case 'i':
-        return take(qrx::readNumber(scan.word()), wish.id) ? 0 : refuse(1, "-i : id should be a number\n");
-    case 't':
-        return take(qrx::keyword(scan.word(), kTypes), wish.type) ? 0
-                                                                  : refuse(1, "-t : invalid type '%s'\n", scan.word());
-    case 'v':
-        return take(qrx::readNumber(scan.word()), wish.vd) ? 0 : refuse(1, "-v : VD id should be a number\n");
-    default:
-        return 0;
-    }
-}
-
-// The 16-bit id to ask for. In one-based mode a typed 0 is told about, and asked for all the same.
-QRX_U16 zeroBased(const OptionScan& scan, int id)
-{
-    if (scan.has('i')) {
-        id -= qrx::idBase();
-        if (id < 0) {
-            qrx::print("-i : id should be a number\n");
-        }
-    }
-    return static_cast<QRX_U16>(id);
-}
-
 int show(const OptionScan& scan, const Wish& wish)
 {
     switch (wish.object) {
-    case kHba:
+    case qrx::info::kHba:
         if (scan.has('i')) {
             return refuse(1, "\n'info -o hba' does not support '-i' action\n");
         }
         getAdapterInfoSA(gSpecificAdapterFlag == 1 ? gCurrentAdapter : QRX_U8{kAllInstances}, scan.has('a'));
         break;
-    case kPd:
+    case qrx::info::kPd:
         getHDInfoSA(zeroBased(scan, wish.id));
         break;
-    case kVd:
+    case qrx::info::kVd:
         getLDInfoSA(zeroBased(scan, wish.id));
         break;
     default:
-        if (wish.type == kOfVd) {
+        if (wish.type == qrx::info::kOfVd) {
             getNSInfoOfVDSA(static_cast<QRX_U16>(wish.id), static_cast<QRX_U16>(wish.vd));
         } else {
             getNSInfoSA(static_cast<QRX_U16>(wish.id), false);
@@ -147,32 +102,6 @@ int doSInfo(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     OptionScan scan(argc, argv, kLetters, kLong);
     Wish wish;
-    int failed = 0;  // the first bad option ends the scan, not yet the command
-    for (int letter; failed == 0 && (letter = scan.next()) != OptionScan::kEnd;) {
-        switch (letter) {
-        case 'o':
-        case 'i':
-        case 't':
-        case 'v':
-        case 'a':
-            failed = read(letter, scan, wish);
-            break;
-        case OptionScan::kError:
-            failed = 1;
-            break;
-        default:
-            return qrx::showHelp(pCmdInfo, 0);
-        }
-    }
-
-    if (argc == 1) {
-        return qrx::showHelp(pCmdInfo, argc);
-    }
-    if (scan.repeated("oitva")) {
-        return qrx::duplicateOption();
-    }
-    if (!scan.has('o')) {
-        return qrx::optionRequired(pCmdInfo, 'o', 1);
-    }
-    return failed != 0 ? failed : show(scan, wish);
+    const auto result = qrx::info::readWish(scan, pCmdInfo, BareWord::kShowsHelp, wish);
+    return result ? *result : show(scan, wish);
 }

@@ -1,15 +1,16 @@
 // `ns`: its options, and which action they ask for.
 #include "cli/Functions/simple/simple_ns.h"
 
+#include <cstddef>
 #include <cstring>
-#include <string_view>
 
 #include "api/src/interface/globals.h"
+#include "api/src/interface/wire/nvme.h"
 #include "cli/Functions/simple/ns_actions.h"
+#include "cli/Functions/simple/ns_controllers.h"
 #include "cli/Functions/simple/ns_table.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/handler.h"
-#include "cli/Public/frame/list.h"
 #include "cli/Public/frame/number.h"
 
 const char simple_ns_help[] =
@@ -60,6 +61,7 @@ namespace {
 
 using qrx::complain;
 using qrx::take;
+using qrx::ns::readShifted;
 using qrx::ns::Wish;
 
 constexpr char kLetters[] = "a:i:e:n:s:c:l:d:p:\x01:h";
@@ -94,33 +96,6 @@ constexpr qrx::Keyword kYesNo[] = {{"yes", 1}, {"no", 0}};
 constexpr qrx::Keyword kPrimary[] = {{"ctrl", 0}};
 constexpr std::size_t kEui64Length = 16;
 
-// Stores a number less `base`; false after a complaint.
-bool readShifted(const char* word, int base, int& field, const char* notNumber, const char* negative)
-{
-    if (!take(qrx::readNumber(word), field)) {
-        return complain("%s", notNumber);
-    }
-    field -= base;
-    return field >= 0 || complain(negative, word);
-}
-
-// Appends comma-separated controller ids to the list.
-bool addControllers(std::string_view list, NVME_NS_ATTACHMENT_PRP& controllers)
-{
-    return qrx::eachElement(list, [&](const char* element) {
-        int id = 0;
-        if (!readShifted(element, qrx::idBase(), id, "-d : controller ids should be a number\n",
-                         "invalid controller id '%s'\n")) {
-            return false;
-        }
-        if (controllers.NumOfIdentifiers == kControllerListMax) {
-            return complain("-d : at most %zu controller ids\n", kControllerListMax);
-        }
-        controllers.Identifier[controllers.NumOfIdentifiers++] = static_cast<QRX_U16>(id);
-        return true;
-    });
-}
-
 // Stores the option's argument; false after a complaint.
 bool read(int letter, const char* word, Wish& wish)
 {
@@ -146,7 +121,7 @@ bool read(int letter, const char* word, Wish& wish)
         wish.gigabytes = qrx::strtoul32(word, 10);
         return isNumber(word) || complain("-l: Invalid NS size\n");
     case 'd':
-        return addControllers(word, wish.controllers);
+        return qrx::ns::addControllers(word, qrx::idBase(), wish.controllers);
     case 'p':
         return qrx::keyword(word, kPrimary) || complain("-p : invalid value '%s'\n", word);
     default:
@@ -176,7 +151,7 @@ int doSNS(int argc, char** argv, PCommand_Info pCmdInfo)
         return qrx::ns::act(pCmdInfo, scan, wish);
     }
     if (scan.has('p')) {
-        return qrx::ns::showPrimary();
+        return qrx::ns::showPrimary(qrx::kIdentifyController, offsetof(nvme_id_ctrl, cntlid));
     }
     if (scan.has(kList)) {
         showNSInfo();

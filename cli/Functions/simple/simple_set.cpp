@@ -1,5 +1,6 @@
 // `set`: reads the settings of the current controller, changes what is asked for, and writes them back whole.
 #include "api/src/interface/globals.h"
+#include "cli/Functions/simple/config_changes.h"
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/handler.h"
@@ -29,6 +30,7 @@ const char simple_set_help[] =
 namespace {
 
 using qrx::complain;
+using qrx::config::Changes;
 
 // The short string has more than the help tells of: -n and -s show the help, -v is checked and dropped.
 constexpr char kLetters[] = "a:o:r:n:v:s:\x01:h";
@@ -45,15 +47,7 @@ constexpr option kLong[] = {
 };
 
 constexpr qrx::Keyword kObjects[] = {{"hba", 0}};
-constexpr qrx::Keyword kSwitch[] = {{"off", 0}, {"on", 1}};
-constexpr qrx::Keyword kRates[] = {{"high", qrx::kRateHigh}, {"medium", qrx::kRateMedium}, {"low", qrx::kRateLow}};
 constexpr QRX_U8 kSubWriteConfig = 2;
-
-// What is to change.
-struct Wish {
-    std::optional<int> autoRebuild;
-    std::optional<int> BGARate;
-};
 
 bool isVdId(const char* word)
 {
@@ -62,15 +56,13 @@ bool isVdId(const char* word)
 }
 
 // Stores the option's argument; false after a complaint.
-bool read(int letter, const char* word, Wish& wish)
+bool read(int letter, const char* word, Changes& changes)
 {
     switch (letter) {
     case 'a':
-        wish.autoRebuild = qrx::keyword(word, kSwitch);
-        return wish.autoRebuild || complain("-c : invalid auto rebuild mode '%s'\n", word);
+        return qrx::config::readAutoRebuild(word, changes);
     case 'r':
-        wish.BGARate = qrx::keyword(word, kRates);
-        return wish.BGARate || complain("-r : invalid BGA rate '%s'\n", word);
+        return qrx::config::readRate(word, changes);
     case 'v':
         return isVdId(word) || complain("-v : invalid vd id '%s'\n", word);
     default:
@@ -87,7 +79,7 @@ int write(const NVME_Adapter_Config& config)
     if (command.send() != 0) {
         return qrx::refuse(1, "\nFailed to configure hba %d\n", gCurrentAdapter);
     }
-    return qrx::refuse(0, "HBA configuration is updated.\n");
+    return qrx::refuse(0, qrx::config::kUpdated);
 }
 
 }  // namespace
@@ -95,9 +87,9 @@ int write(const NVME_Adapter_Config& config)
 int doSSet(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
-    Wish wish;
-    if (const auto result =
-            qrx::readOptions(scan, pCmdInfo, "aorv", 1, [&](int letter) { return read(letter, scan.word(), wish); })) {
+    Changes changes;
+    if (const auto result = qrx::readOptions(scan, pCmdInfo, "aorv", 1,
+                                             [&](int letter) { return read(letter, scan.word(), changes); })) {
         return *result;
     }
     if (scan.repeated("or")) {
@@ -113,10 +105,5 @@ int doSSet(int argc, char** argv, PCommand_Info pCmdInfo)
     if (qrx::readConfig(gCurrentAdapter, config) != 0) {
         return qrx::refuse(1, "\nUnable to get configuration info of adapter %d\n", gCurrentAdapter);
     }
-    const bool switches = qrx::take(wish.autoRebuild, config.AutoRebuildOn);
-    const bool rates = qrx::take(wish.BGARate, config.BGARate);
-    if (!switches && !rates) {
-        return qrx::refuse(0, "Invalid setting(s) for HBA\n");
-    }
-    return write(config);
+    return qrx::config::apply(changes, config) ? write(config) : 0;
 }
