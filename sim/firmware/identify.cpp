@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "api/src/interface/wire/buffer.h"
+#include "api/src/interface/wire/primary.h"
 #include "sim/firmware/nvme_function.h"
 #include "sim/firmware/text.h"
 
@@ -24,6 +25,7 @@ constexpr QRX_U8 kCnsAllocatedList = 0x10;
 constexpr QRX_U8 kCnsAllocatedNamespace = 0x11;
 constexpr QRX_U8 kCnsAttachedControllers = 0x12;
 constexpr QRX_U8 kCnsControllers = 0x13;
+constexpr QRX_U8 kCnsPrimary = qrx::kIdentifyPrimary;
 
 bool all_zero(std::span<const QRX_U8> bytes)
 {
@@ -141,6 +143,11 @@ Completion NvmeFunction::identify(const nvme_admin_cmd& command, std::span<QRX_U
         return deliver(controller_list(ns->attached_to(controller_id), command.cdw10 >> 16), data);
     case kCnsControllers:
         return deliver(controller_list(std::array{controller_id}, command.cdw10 >> 16), data);
+    case kCnsPrimary: {
+        _Prim_cntl_cap capabilities{};  // the id is all that it tells
+        capabilities.cntlid = controller_id;
+        return virtualizes() ? deliver(capabilities, data) : complete(status::kInvalidField);
+    }
     default:
         return complete(status::kInvalidField);
     }

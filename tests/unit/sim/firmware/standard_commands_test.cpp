@@ -190,6 +190,14 @@ TEST_F(Standard, IdentifyListsControllers)
     EXPECT_EQ(rig_.identify(0x12, 0).status, 0x00BU);
 }
 
+TEST(StandardOfAPhysicalFunction, IdentifyTellsThePrimaryController)
+{
+    Rig rig = Rig::of_text(R"json({"controllers": [{"number": 0, "controller_id": 1, "drives": [{"id": 0}]}]})json");
+    EXPECT_EQ(rig.identify(0x14).status, kGood);
+    EXPECT_EQ(rig.bytes(0, 2), std::string("\1\0", 2));
+    EXPECT_TRUE(rig.all_from(2, 0));
+}
+
 TEST_F(Standard, OtherIdentifyStructuresAreAnInvalidField)
 {
     for (const QRX_U32 cns : {0x04U, 0x05U, 0x14U, 0x16U, 0x1FU, 0xFFU}) {
