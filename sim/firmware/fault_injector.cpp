@@ -118,7 +118,8 @@ void FaultInjector::damage(const nvme_admin_cmd& command, std::span<const QRX_U8
             const auto offset = static_cast<std::ptrdiff_t>(arrived);
             std::copy(before.begin() + offset, before.end(), data.begin() + offset);
         }
-        if (command.opcode == kVendorRead && arrived >= sizeof(NVMEReceiveData)) {
+        const bool enveloped = command.opcode == kVendorRead || command.opcode == kPairReceive;
+        if (enveloped && arrived >= sizeof(NVMEReceiveData)) {
             if (armed.fault.cmd_status) {
                 data[offsetof(NVMEReceiveData, cmd_status)] = *armed.fault.cmd_status;
             }

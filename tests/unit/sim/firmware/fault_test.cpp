@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <chrono>
 
+#include "api/src/interface/wire/command.h"
 #include "sim/firmware/fault_injector.h"
 #include "tests/unit/sim/firmware/rig.h"
 
@@ -258,6 +259,28 @@ TEST_F(Faults, CmdStatusStandsInTheEnvelopeAndTheRestIsAsItWas)
 {
     inject({"cmd-status=74"});
     EXPECT_EQ(vendor().status, 0U);
+    EXPECT_EQ(rig_.bytes(0, 8), envelope(74));
+    EXPECT_EQ(rig_.at<QRX_U16>(24), 0x7A51);
+}
+
+TEST_F(Faults, TheAnswerOfAPairCommandHasAnEnvelopeToo)
+{
+    inject({"opcode=0xce,cmd-status=74"});
+    const NVMESendData head{.sign = {'Q', 'R', 'X'},
+                            .cmd_length = 2,
+                            .data_offset = 16,
+                            .data_length = 0,
+                            .vendor_cmd = {kGroupAdapter, 0}};
+    rig_.page.fill(0);
+    ASSERT_TRUE(wire::write(rig_.page, 0, head));
+    nvme_admin_cmd command{};
+    command.opcode = kPairSend;
+    command.cdw10 = 1024;
+    command.cdw15 = kFrameSignWord;
+    EXPECT_EQ(injector_->admin({}, command, rig_.page).status, 0U);
+    command.opcode = kPairReceive;
+    rig_.page.fill(kUntouched);
+    EXPECT_EQ(injector_->admin({}, command, rig_.page).status, 0U);
     EXPECT_EQ(rig_.bytes(0, 8), envelope(74));
     EXPECT_EQ(rig_.at<QRX_U16>(24), 0x7A51);
 }
