@@ -27,6 +27,8 @@ set(torture_rows_of_updates "flash -o hba -f image -s 1 -c 1")
 set(torture_rows_unlisted
     "lab: create -r 1 -d 0,1" "lab: create -r 0 -d 0,1 -n name -x 0,0" "lab: screate -r 0 -d 4" "assign -d 0"
     "raid: delete --waiveconfirmation -i 0" "delete --waiveconfirmation -i 0" "delete -i 0" "sdelete -i 0"
+    "get -o hba" "get -o vd" "set -o hba -a on" "set -o vd -i 0 -n NAME" "info -o hba -a x" "info -o pd" "info -o vd"
+    "boot: info -o vd -i 0" "info -o ns" "info -o ns -t vd -v 255"
     "iomon -a show" "iomon -i 1 --outputfile output" "iomon_polling -i 1 -t 0" "qos -a get -i 2"
     "qos -a set -i 2 --ir 5 --iw 6 --br 50 --bw 51" "cse --list" "cse -a off -c VF -l 0xc2,0xc3" "aer -i 0"
     "jbof: read -n 1 -s 0 -l 0 -z 512" "jbof: read -n 1 -s 0 -l 255 -z 0x20000 -f output"
