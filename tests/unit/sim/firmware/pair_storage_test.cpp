@@ -237,7 +237,8 @@ TEST_F(PairStorage, MigrationIsRefused)
 
 TEST_F(PairStorage, WhatTheAdapterDoesNotOfferIsNotSupported)
 {
-    rig_ = Rig::of_text(R"({"controllers": [{"adapter": {"background": ["initialization", "rebuild", "media-patrol"]}, "drives": [{"id": 0}, {"id": 1}],
+    rig_ = Rig::of_text(
+        R"({"controllers": [{"adapter": {"background": ["initialization", "rebuild", "media-patrol"]}, "drives": [{"id": 0}, {"id": 1}],
         "virtual_disks": [{"id": 0, "raid_mode": "raid1", "members": [0, 1]}]}]})");
     ask({227, 8}, 5, bytes_of(NVME_VD_Sync{}));
     ask({227, 9}, 5, bytes_of(migration(5, {0, 1, 4})));
