@@ -5,12 +5,12 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
-#include <string>
 #include <string_view>
 
 #include "api/src/interface/api.h"
 #include "api/src/interface/wire/adapter.h"
 #include "cli/Public/frame/admin_command.h"
+#include "cli/Public/frame/debug_dump.h"
 #include "cli/Public/frame/device_text.h"
 #include "cli/Public/frame/identify.h"
 #include "cli/Public/frame/report.h"
@@ -90,30 +90,9 @@ int getoemdata(char print_info, void* data)
         return tells ? qrx::refuse(kOemBad, "Read OEM data failed.(error code: 0x%02x)\n", status) : kOemBad;
     }
     if (tells) {
-        qrx::dumpOemRecord(page.first<sizeof(NVMEOEMData)>());
+        qrx::debugDump(page.first<sizeof(NVMEOEMData)>());
     }
     return judge(page, tells);
-}
-
-void qrx::dumpOemRecord(std::span<const QRX_U8, sizeof(NVMEOEMData)> bytes)
-{
-    constexpr unsigned kRow = 16;
-    if (dbg_enable == 0) {
-        return;
-    }
-    print("\n%04x:", 0U);
-    std::string characters;
-    for (unsigned i = 0; i < bytes.size(); ++i) {
-        print("%02x ", bytes[i]);
-        if (bytes[i] != 0) {
-            characters += static_cast<char>(bytes[i]);
-        }
-        if (i % kRow == kRow - 1) {
-            print("          %s\n%04x:", characters.c_str(), i);  // of the byte just shown
-            characters.clear();
-        }
-    }
-    print("%s\n", "End list");
 }
 
 int QRX_Adapter_GetSimpleInfo_SVID_SDID(QRX_U16* SVID, QRX_U16* SDID)

@@ -1,8 +1,6 @@
 // The OEM record of the current controller: reading and judging it, and what hangs on it.
 #pragma once
 
-#include <span>
-
 #include "api/src/interface/wire/buffer.h"
 #include "api/src/interface/wire/oem.h"
 #include "api/src/interface/wire/types.h"
@@ -28,9 +26,6 @@ int QRX_Adapter_GetSimpleInfo_SVID_SDID(QRX_U16* SVID, QRX_U16* SDID);
 void reinit_API_Layrer_SUBNQN();
 
 namespace qrx {
-
-// Under dbg_enable, the bytes of the record, in rows of 16 with the characters they are.
-void dumpOemRecord(std::span<const QRX_U8, sizeof(NVMEOEMData)> bytes);
 
 // CDW10 of a transfer of a page: dwords less 1.
 inline constexpr QRX_U32 kOemWholePage = wire::kPageSize / 4 - 1;

@@ -9,6 +9,8 @@
 
 #include "cli/Functions/simple/oem_record.h"
 #include "cli/Public/frame/admin_command.h"
+#include "cli/Public/frame/debug_dump.h"
+#include "cli/Public/frame/free_text.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
 
@@ -30,6 +32,7 @@ Examples:
 namespace {
 
 using qrx::complain;
+using qrx::FreeText;
 using qrx::readHexOrNumber;
 using qrx::take;
 
@@ -81,46 +84,17 @@ struct Wish {
     std::array<QRX_U8, sizeof(NVMEOEMData::model)> model{};
 };
 
-// A text without its quotes, cut well behind the longest that any option takes; nothing after a complaint.
-class Text {
-public:
-    explicit Text(const char* word) : good_(qrx::noQuoteCopy(text_, word) == 0) {}
-
-    [[nodiscard]] bool good() const { return good_; }
-    [[nodiscard]] std::string_view view() const { return text_.data(); }
-
-private:
-    std::array<char, 64> text_{};
-    bool good_;
-};
-
-bool checkLength(int letter, const char* word, const Text& text, std::size_t most)
-{
-    return text.view().size() <= most ||
-           complain("-%c : invalid length '%s', the maximum size is %d bytes.\n", letter, word, static_cast<int>(most));
-}
-
-// Stores the text with blanks behind it.
-bool readField(int letter, const char* word, std::span<QRX_U8> field)
-{
-    const Text text(word);
-    if (!text.good() || !checkLength(letter, word, text, field.size())) {
-        return false;
-    }
-    std::fill(std::copy(text.view().begin(), text.view().end(), field.begin()), field.end(), QRX_U8{' '});
-    return true;
-}
-
+// The text of an option that has no effect any more.
 bool checkShort(int letter, const char* word)
 {
-    const Text text(word);
-    return text.good() && checkLength(letter, word, text, kSkuMax);
+    const FreeText text(word);
+    return text.good() && text.fits(letter, kSkuMax);
 }
 
 // Counts the bytes of a text such as 01:23:45, of which nothing is kept. Too many are worth a warning.
 bool countBytes(const char* word)
 {
-    const Text text(word);
+    const FreeText text(word);
     const auto isDigit = [&](std::size_t at) {
         return at < text.view().size() && std::isxdigit(static_cast<unsigned char>(text.view()[at])) != 0;
     };
@@ -143,9 +117,9 @@ bool read(int letter, const char* word, Wish& wish)
     case 'd':
         return take(readHexOrNumber(word), wish.SDID) || complain("-d : invalid sub device id '%s'\n", word);
     case 's':
-        return readField(letter, word, wish.sn);
+        return FreeText(word).store(letter, wish.sn, ' ');
     case 'm':
-        return readField(letter, word, wish.model);
+        return FreeText(word).store(letter, wish.model, ' ');
     case 'k':
     case 'p':
         return checkShort(letter, word);
@@ -196,7 +170,7 @@ int send(std::span<const QRX_U8, qrx::wire::kPageSize> page)
     const auto command =
         qrx::vendorCommand(kGroupAdapter, qrx::kSubWriteOem, 0, kVendorWrite).word(10, qrx::kOemWholePage);
     command.debug();
-    qrx::dumpOemRecord(page.first<sizeof(NVMEOEMData)>());
+    qrx::debugDump(page.first<sizeof(NVMEOEMData)>());
     if (const int status = command.transmit(page)) {
         return qrx::refuse(status, "Set OEM data failed.(error code: 0x%02x)\n", static_cast<unsigned>(status));
     }
