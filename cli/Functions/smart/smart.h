@@ -18,3 +18,10 @@ long double int128_to_double(const QRX_U8 (&data)[16]);
 // data units without their bytes, and knows a temperature of 0 as one that is not there.
 void showLogSmartInfo(const _qrx_smart_log& smart, int hbaMode);
 void showLogSmartInfo_no_calculator(const _qrx_smart_log& smart, int hbaMode);
+
+namespace qrx {
+
+// The page that all of them print, under a title: the first lines, or `all`; `calculates` for data units in GB.
+void showSmart(const char* title, const _qrx_smart_log& smart, bool all, bool calculates);
+
+}  // namespace qrx

@@ -8,6 +8,7 @@ namespace {
 
 using qrx::print;
 
+constexpr char kTitle[] = "NVME SMART Information";
 constexpr int kWidth = 54;  // of the labels
 
 void counter(const char* label, const QRX_U8 (&value)[16])
@@ -27,11 +28,22 @@ void number(const char* label, QRX_U32 value)
     print("%-*s: %d\n", kWidth, label, static_cast<int>(value));
 }
 
-void showLog(const _qrx_smart_log& smart, bool all, bool calculates)
+}  // namespace
+
+long double int128_to_double(const QRX_U8 (&data)[16])
+{
+    long double value = 0;
+    for (auto byte = std::rbegin(data); byte != std::rend(data); ++byte) {
+        value = value * 256 + *byte;
+    }
+    return value;
+}
+
+void qrx::showSmart(const char* title, const _qrx_smart_log& smart, bool all, bool calculates)
 {
     const auto units = calculates ? dataUnits : counter;
     const int kelvin = smart.temperature[0] | smart.temperature[1] << 8;
-    print("\nNVME SMART Information :\n");
+    print("\n%s :\n", title);
     print("Notice: Please refer to NVMe Specific v1.3, Get Log Page - SMART / Health Information Log definition\n\n");
     print("%-*s: 0x%02x\n", kWidth, "Critical Warning", smart.critical_warning);
     if (kelvin == 0 && !calculates) {
@@ -63,23 +75,12 @@ void showLog(const _qrx_smart_log& smart, bool all, bool calculates)
     print("\n");
 }
 
-}  // namespace
-
-long double int128_to_double(const QRX_U8 (&data)[16])
-{
-    long double value = 0;
-    for (auto byte = std::rbegin(data); byte != std::rend(data); ++byte) {
-        value = value * 256 + *byte;
-    }
-    return value;
-}
-
 void showLogSmartInfo(const _qrx_smart_log& smart, int hbaMode)
 {
-    showLog(smart, hbaMode == 0, true);
+    qrx::showSmart(kTitle, smart, hbaMode == 0, true);
 }
 
 void showLogSmartInfo_no_calculator(const _qrx_smart_log& smart, int hbaMode)
 {
-    showLog(smart, hbaMode == 0, false);
+    qrx::showSmart(kTitle, smart, hbaMode == 0, false);
 }
