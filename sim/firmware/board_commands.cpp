@@ -265,7 +265,14 @@ Completion Controller::write_vpd(const nvme_admin_cmd& command, std::span<const 
 std::vector<QRX_U8> Controller::vendor_log(QRX_U8 page) const
 {
     constexpr QRX_U8 kLogSpi = 0xC0;
-    return page == kLogSpi ? board.spi_block() : std::vector<QRX_U8>();
+    switch (page) {
+    case kLogSpi:
+        return board.spi_block();
+    case kMfndEventLog:
+        return children.event_log();
+    default:
+        return {};
+    }
 }
 
 }  // namespace qrx::sim

@@ -10,6 +10,7 @@
 #include "api/src/interface/wire/command.h"
 #include "sim/firmware/adapter.h"
 #include "sim/firmware/board.h"
+#include "sim/firmware/child_controllers.h"
 #include "sim/firmware/drive.h"
 #include "sim/firmware/event_list.h"
 #include "sim/firmware/event_ring.h"
@@ -47,12 +48,15 @@ public:
     // Host functions: two physical ones and the virtual ones behind them.
     static constexpr QRX_U16 kHostFunctions = 34;
     static constexpr QRX_U16 kFirstVirtualFunction = 2;
-    static constexpr std::array<QRX_U8, 6> kVendorOpcodes{kPairSend,
+    static constexpr std::array<QRX_U8, 9> kVendorOpcodes{kPairSend,
                                                           kPairReceive,
                                                           static_cast<QRX_U8>(kVendorRead),
                                                           static_cast<QRX_U8>(kVendorWrite),
                                                           static_cast<QRX_U8>(kTunnelFromDrive),
-                                                          static_cast<QRX_U8>(kTunnelToDrive)};
+                                                          static_cast<QRX_U8>(kTunnelToDrive),
+                                                          kMfndControl,
+                                                          kMfndManage,
+                                                          kMfndQuery};
     // Asks for every namespace table of a drive.
     static constexpr QRX_U16 kAllTables = 255;
 
@@ -69,6 +73,7 @@ public:
     Vpd vpd;
     ManagementEndpoint endpoint;
     HostFunctions host_functions;
+    ChildControllers children;
     std::vector<PcieInterface> interfaces;  // those that differ from a fresh one, in order of id
     EventList events;
     EventRing ring;
@@ -101,6 +106,8 @@ public:
     std::optional<Failure> start_workload(QRX_U32 nsid, const Workload& workload);
     // Puts an error into the PCIe error registers of a drive, as put_aer_error does.
     std::optional<Failure> put_pcie_error(QRX_U32 id, std::string_view error);
+    // What befalls a child controller, as ChildControllers::befall.
+    std::optional<Failure> befall_child(QRX_U16 id, std::string_view what);
 
     // Makes the OEM store hold what the controller left its factory with, or spoils it as OemStore::spoil does.
     std::optional<Failure> set_oem_data(std::string_view what);
@@ -120,6 +127,9 @@ protected:
     Completion vendor_admin(const nvme_admin_cmd& command, std::span<QRX_U8> data) override;
     [[nodiscard]] std::vector<QRX_U8> vendor_opcodes() const override;
     [[nodiscard]] std::vector<QRX_U8> vendor_log(QRX_U8 page) const override;
+    [[nodiscard]] std::optional<Completion> vendor_feature(const nvme_admin_cmd& command,
+                                                           std::span<QRX_U8> data) const override;
+    std::optional<Completion> set_vendor_feature(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
     [[nodiscard]] Capacity capacity() const override;
     [[nodiscard]] QRX_U32 max_namespaces() const override { return adapter.max_ns; }
     void advance_back_end(Clock::Duration passed) override;
@@ -160,6 +170,13 @@ private:
     Completion vendor_write(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     Completion write_oem_data(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     Completion read_namespace_health(QRX_U16 nsid, std::span<QRX_U8> data) const;
+
+    // The commands of the multi-function device, where is_child_command().
+    Completion child_command(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    Completion identify_child(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
+    Completion manage_children(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
+    Completion control_child(const nvme_admin_cmd& command);
+    Completion read_child_log(const nvme_admin_cmd& command, std::span<QRX_U8> data) const;
 
     // Registers. The interface, made if need be.
     [[nodiscard]] PcieInterface& interface_at(QRX_U8 id);
@@ -289,5 +306,9 @@ private:
     struct PairAnswers;
     Verdict answer_pair(std::span<QRX_U8> payload);
 };
+
+// Whether a command is one of the multi-function device. Opcode 0xD2 alone does not tell: it also carries ATA commands
+// to drives, whose FIS, in CDW10, never begins as these do, and whose opcode stands in CDW14.
+[[nodiscard]] bool is_child_command(const nvme_admin_cmd& command);
 
 }  // namespace qrx::sim

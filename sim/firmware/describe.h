@@ -39,6 +39,8 @@ void describe_rate_limits(Io& io, Controller& controller);
 template <class Io>
 void describe(Io& io, HostFunctions& functions);
 template <class Io>
+void describe(Io& io, ChildControllers& children);
+template <class Io>
 void describe(Io& io, PcieInterface& interface, const Controller& controller);
 template <class Io>
 void describe(Io& io, ConfigSpace& space);

@@ -52,7 +52,8 @@ Completion NvmeFunction::get_features(const nvme_admin_cmd& command, std::span<Q
     }
     const auto index = Features::index(id);
     if (!index) {
-        return complete(status::kInvalidField);
+        const auto vendor = select == Select::kCurrent ? vendor_feature(command, data) : std::nullopt;
+        return vendor.value_or(complete(status::kInvalidField));
     }
     const FeatureRule& rule = feature_rules()[*index];
     const bool threshold = id == feature::kTemperatureThreshold;
@@ -74,6 +75,11 @@ Completion NvmeFunction::set_features(const nvme_admin_cmd& command, std::span<c
 {
     const auto id = static_cast<QRX_U8>(command.cdw10);
     const auto index = Features::index(id);
+    if ((command.cdw10 & kSave) == 0) {
+        if (const auto vendor = set_vendor_feature(command, data)) {
+            return *vendor;
+        }
+    }
     if (!index && id != feature::kTimestamp) {
         return complete(status::kInvalidField);
     }

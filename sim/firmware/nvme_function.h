@@ -100,6 +100,17 @@ protected:
     [[nodiscard]] virtual std::vector<QRX_U8> vendor_opcodes() const { return {}; }
     // A log page of the vendor's, whole; empty where there is no such page.
     [[nodiscard]] virtual std::vector<QRX_U8> vendor_log(QRX_U8 /*page*/) const { return {}; }
+    // Get and Set Features of a feature of the vendor's; nothing where there is no such feature.
+    [[nodiscard]] virtual std::optional<Completion> vendor_feature(const nvme_admin_cmd& /*command*/,
+                                                                   std::span<QRX_U8> /*data*/) const
+    {
+        return std::nullopt;
+    }
+    virtual std::optional<Completion> set_vendor_feature(const nvme_admin_cmd& /*command*/,
+                                                         std::span<const QRX_U8> /*data*/)
+    {
+        return std::nullopt;
+    }
     [[nodiscard]] virtual Capacity capacity() const;
     // Highest namespace id that may exist.
     [[nodiscard]] virtual QRX_U32 max_namespaces() const { return 1; }

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "api/src/interface/wire/command.h"
+#include "api/src/interface/wire/mfnd.h"
 #include "api/src/interface/wire/mi.h"
 
 namespace qrx::sim {
@@ -45,6 +46,9 @@ constexpr auto kAdminNames = std::to_array<Name>({
     {kVendorWrite, "vendor-write"},
     {kPairSend, "pair-send"},
     {kPairReceive, "pair-receive"},
+    {kMfndControl, "child-control"},
+    {kMfndManage, "child-manage"},
+    {kMfndQuery, "child-query"},
     {kVendorRead, "vendor-read"},
 });
 

@@ -107,6 +107,7 @@ void Controller::reset_back_end()
     for (PcieInterface& interface : interfaces) {
         interface.reset();
     }
+    children.restart();
     board.boot(settings);
     gate = {};
     for (Namespace& ns : namespaces) {

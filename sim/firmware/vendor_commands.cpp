@@ -74,6 +74,10 @@ Completion Controller::vendor_command(const nvme_admin_cmd& command, std::span<Q
         return pair_send(command, data);
     case kPairReceive:
         return pair_receive(command, data);
+    case kMfndControl:
+    case kMfndManage:
+    case kMfndQuery:
+        return is_child_command(command) ? child_command(command, data) : complete(status::kInvalidField);
     default:
         return complete(status::kInvalidOpcode);
     }

@@ -10,6 +10,7 @@
 #include "sim/firmware/key_value.h"
 #include "sim/firmware/raid_rules.h"
 #include "sim/launcher/show_board.h"
+#include "sim/launcher/show_children.h"
 #include "sim/launcher/workload_text.h"
 
 namespace qrx::sim {
@@ -31,10 +32,11 @@ constexpr auto kRows = std::to_array<Row>({
     {"config-reads", "<id>=<answer>", ControlArgument::text},
     {"aer", "<id>=<error>", ControlArgument::text},
     {"io", "<what>", ControlArgument::text},
+    {"child-event", "<id>=<event>", ControlArgument::text},
     {"reset", "", ControlArgument::none},
     {"firmware", "", ControlArgument::none},
     {"events", "", ControlArgument::none},
-    {"show", "[pins|features]", ControlArgument::optional_text},
+    {"show", "[pins|features|children]", ControlArgument::optional_text},
     {"save", "<file>", ControlArgument::file_to_write},
     {"mount-table", "<file>", ControlArgument::file_to_read},
     {"help", "", ControlArgument::none},
@@ -146,7 +148,10 @@ Result<std::string> show(const Controller& controller, const std::string& what)
     if (what == "features") {
         return show_features(controller);
     }
-    return Failure{"show: '" + what + "' is none of pins, features"};
+    if (what == "children") {
+        return show_children(controller);
+    }
+    return Failure{"show: '" + what + "' is none of pins, features, children"};
 }
 
 std::string show_slots(const std::string& name, const NvmeFunction& function)
@@ -241,6 +246,18 @@ Result<std::string> change_config_reads(Controller& controller, const ControlReq
     return done(request, controller.answer_config_reads(*id, *answer));
 }
 
+Result<std::string> change_child(Controller& controller, const ControlRequest& request)
+{
+    const std::string_view argument = request.argument;
+    const std::size_t equals = std::min(argument.find('='), argument.size());
+    const std::optional<unsigned> id = number_in(argument.substr(0, equals));
+    if (!id || *id > ChildControllers::kMaxId) {
+        return Failure{"child-event: '" + request.argument + "' is no id of a child controller, '=' and event"};
+    }
+    return done(request, controller.befall_child(static_cast<QRX_U16>(*id),
+                                                 argument.substr(std::min(equals + 1, argument.size()))));
+}
+
 Result<std::string> change_drive(Controller& controller, const ControlRequest& request)
 {
     const std::optional<unsigned> id = number_in(request.argument);
@@ -331,6 +348,9 @@ Result<std::string> carry_out(Machine& machine, const ControlRequest& request)
     if (request.command == "io") {
         return start_io(**controller, request);
     }
+    if (request.command == "child-event") {
+        return change_child(**controller, request);
+    }
     if (request.command == "reset") {
         (*controller)->reset();
         return std::string();
@@ -367,12 +387,15 @@ another terminal give the socket that the other qrx_sim was started with, or the
                           them
   io <what>               other programs read and write a namespace, such as ns=1,reads=9000,writes=500,blocks=8,
                           seconds=10; without blocks 8 at a time, without seconds within one
+  child-event <id>=<event>
+                          what befalls a child controller: fatal, health or other
   reset                   take the controller's power away and give it back: new firmware runs
   firmware                what the firmware slots of controller and drives hold
   events                  what has happened, with the time since power-on
   show                    drives, virtual disks and namespaces, a line each
   show pins               power and PERST# lines of the drives, and LEDs
   show features           switched features, the place of the VPD, the SPI flash
+  show children           mode and privilege of the multi-function device, and its child controllers
   save <file>             write the machine's state to a file
   mount-table <file>      give the machine another mount table
   help                    show this page

@@ -310,8 +310,8 @@ TEST_F(Standard, CommandsLogNamesWhatIsCarriedOutAndNothingElse)
 {
     EXPECT_EQ(rig_.log_page(5, 4096).status, kGood);
     nvme_effects_log log{};
-    for (const int opcode : {0x00, 0x01, 0x02, 0x04, 0x05, 0x06, 0x08, 0x09, 0x0A, 0x0C,
-                             0x10, 0x11, 0x1D, 0x1E, 0xC2, 0xC3, 0xC7, 0xCB, 0xCE, 0xE2}) {
+    for (const int opcode : {0x00, 0x01, 0x02, 0x04, 0x05, 0x06, 0x08, 0x09, 0x0A, 0x0C, 0x10, 0x11,
+                             0x1D, 0x1E, 0xC2, 0xC3, 0xC7, 0xCB, 0xCE, 0xD0, 0xD1, 0xD2, 0xE2}) {
         log.acs[opcode] = 1;
     }
     log.acs[0x15] = 9;  // changes which namespaces there are
@@ -330,7 +330,7 @@ TEST_F(Standard, SupportedPagesLogNamesThePages)
 {
     EXPECT_EQ(rig_.log_page(0, 1024).status, kGood);
     for (std::size_t page = 0; page < 256; ++page) {
-        const bool known = page <= 3 || page == 5 || page == 0xC0;
+        const bool known = page <= 3 || page == 5 || page == 0xC0 || page == 0xD0;
         EXPECT_EQ(rig_.at<QRX_U32>(page * 4), known ? 1U : 0U);
     }
     for (const int page : {4, 6, 7, 0x0D, 0x80, 0xC1, 0xFF}) {
