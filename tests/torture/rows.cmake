@@ -40,4 +40,8 @@ set(torture_rows_unlisted
     "mi_admin_receive -s idctrl -l 32" "new_mi_send -0 4 -5 6 -7 32 -l 32 -f file"
     "new_mi_receive -0 4 -5 5 -7 32 -l 32 -f output" "new_vpdread -o 0 -l 32" "new_vpdwrite -o 0 -l 32 -f file"
     "vpd -t read --outputfile output" "vpd -t vsw --inputfile file"
+    "mfnd-manage -s 0" "mfnd-identify -o mfnd --rawdata" "mfnd-identify -o child" "mfnd-opertation -a get"
+    "mfnd-opertation -a set -o mode -t multiple" "mfnd-properties -a get" "mfnd-properties -a set -1 12 -3 1"
+    "mfnd-event" "mfnd-child-ctrl -s 1 -i 1" "mfnd-child-ctrl-log-page -i 1 -d 2 -l 512" "mfnd-cmdpermission -a get"
+    "mfnd-cmdpermission -a set -e 0xaa:1"
 )
