@@ -16,12 +16,9 @@
 #include <string>
 
 #include "api/src/device/common/AdapterRecord.h"
-#include "api/src/device/common/DeviceManagement.h"
-#include "api/src/interface/globals.h"
 #include "api/src/interface/wire/envelope.h"
 #include "cli/Functions/simple/eom_scan.h"
-#include "cli/Public/common.h"
-#include "cli/qxsetup/command_table.h"
+#include "tests/fuzz/stage.h"
 
 namespace qrx::fuzz {
 
@@ -43,7 +40,7 @@ QRX_U32 reply(void* out, QRX_U32 length)
 
 Device device()
 {
-    Device made{};
+    Device made = makeDevice();
     made.sendCommand = [](PDevice, QRX_U8, QRX_U32, QRX_U32*, QRX_U8, void*, QRX_U16, void* out, QRX_U16 length) {
         return reply(out, length);
     };
@@ -62,10 +59,6 @@ Device device()
         }
         return status;
     };
-    made.closeHandle = [](PDevice) {};
-    made.getNVMEDevice = [](PDevice self) { return self; };
-    std::strcpy(made.bus_dev_fun, "03:00.00");
-    std::strcpy(made.device_path, "/dev/nvme0");
     return made;
 }
 
@@ -125,31 +118,27 @@ Answer spoken(Speech& speech)
     };
 }
 
-void plugIn()
+namespace {
+
+Device& freshDevice()
 {
     static Device plugged;
     plugged = device();
-    const PDeviceManagement table = GetDeviceManagementInstance();
-    table->m_devs[0] = &plugged;
-    table->m_count = 1;
+    return plugged;
+}
+
+}  // namespace
+
+void plugIn()
+{
+    plugIn(freshDevice());
 }
 
 World::World(Answer answers, std::span<const std::uint8_t> file)
 {
-    static FILE* const nowhere = std::fopen("/dev/null", "w");
-    static const bool quiet =
-        std::freopen("/dev/null", "w", stdout) != nullptr && std::freopen("/dev/null", "r", stdin) != nullptr;
-    assert(quiet && nowhere != nullptr);
     answer = std::move(answers);
     content = file;
-    plugIn();
-    pCmdTable = generalCmdTableV1;
-    cmdTableSize = static_cast<QRX_U16>(generalCmdTableV1Size());
-    stream = nowhere;
-    dbg_enable = 0;
-    gNumAdaptersFound = 1;
-    gCurrentAdapter = 0;
-    gSpecificAdapterFlag = 0;
+    begin(freshDevice());
     eom::patience = {3, std::chrono::milliseconds(0), 3};
     sealed = true;
 }

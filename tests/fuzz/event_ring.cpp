@@ -6,15 +6,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <span>
 #include <vector>
 
-#include "api/src/device/common/DeviceManagement.h"
-#include "api/src/interface/globals.h"
 #include "api/src/interface/wire/command.h"
 #include "cli/Functions/simple/simple_event.h"
+#include "tests/fuzz/stage.h"
 
 namespace {
 
@@ -38,38 +36,26 @@ QRX_U32 answer(const QRX_U32 offset, std::span<QRX_U8> page)
     return 0;
 }
 
-Device fuzzedDevice()
+QRX_U32 send(PDevice, void* command, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32*)
 {
-    Device device{};
-    device.sendPassthruAdmin = [](PDevice, void* command, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32*) {
-        _qrx_admin_command_format record;
-        std::memcpy(&record, command, sizeof(record));
-        return answer(record.CDW[13], {static_cast<QRX_U8*>(out), length});
-    };
-    device.closeHandle = [](PDevice) {};
-    device.getNVMEDevice = [](PDevice self) { return self; };
-    return device;
+    _qrx_admin_command_format record;
+    std::memcpy(&record, command, sizeof(record));
+    return answer(record.CDW[13], {static_cast<QRX_U8*>(out), length});
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static Device device = fuzzedDevice();
-    static FILE* const nowhere = std::fopen("/dev/null", "w");
-    static const bool quiet = std::freopen("/dev/null", "w", stdout) != nullptr;
-    if (!quiet || nowhere == nullptr || size < 3) {
+    static Device device = qrx::fuzz::makeDevice(send);
+    if (size < 3) {
         return 0;
     }
     text = {data + 2, size - 2};
     at = 0;
     repeats = (data[1] & kRepeats) != 0;
     failing = data[1] >> 4U;
-    const PDeviceManagement table = GetDeviceManagementInstance();
-    table->m_devs[0] = &device;
-    table->m_count = 1;
-    gCurrentAdapter = 0;
-    stream = nowhere;
+    qrx::fuzz::begin(device);
     dbg_enable = (data[1] & kDebug) != 0;
     (void)getPageEventSA(data[0]);
     return 0;

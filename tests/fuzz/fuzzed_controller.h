@@ -10,16 +10,12 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <initializer_list>
 #include <span>
 
-#include "api/src/device/common/DeviceManagement.h"
-#include "api/src/interface/globals.h"
 #include "api/src/interface/wire/envelope.h"
-#include "cli/Public/common.h"
-#include "cli/qxsetup/command_table.h"
+#include "tests/fuzz/stage.h"
 
 namespace qrx::fuzz {
 
@@ -33,23 +29,9 @@ public:
     explicit FuzzedController(std::span<const std::uint8_t> input, Repair repair = nullptr, Inspect inspect = nullptr)
         : speech_(input), repair_(repair), inspect_(inspect)
     {
-        static FILE* const nowhere = std::fopen("/dev/null", "w");
-        static const bool quiet = std::freopen("/dev/null", "w", stdout) != nullptr;
         static Device device = makeDevice();
-        if (nowhere == nullptr || !quiet) {
-            std::abort();
-        }
         std::memset(device.subnqn, 0, sizeof(device.subnqn));
-        const PDeviceManagement table = GetDeviceManagementInstance();
-        table->m_devs[0] = &device;
-        table->m_count = 1;
-        pCmdTable = generalCmdTableV1;
-        cmdTableSize = static_cast<QRX_U16>(generalCmdTableV1Size());
-        stream = nowhere;
-        dbg_enable = 0;
-        gNumAdaptersFound = 1;
-        gCurrentAdapter = 0;
-        gSpecificAdapterFlag = 0;
+        begin(device);
         current_ = this;
     }
     ~FuzzedController()
@@ -124,7 +106,7 @@ private:
 
     static Device makeDevice()
     {
-        Device device{};
+        Device device = fuzz::makeDevice();
         device.sendCommand = [](PDevice, QRX_U8, QRX_U32, QRX_U32*, QRX_U8, void* in, QRX_U16 in_length, void* out,
                                 QRX_U16 length) {
             current_->inspect(in, in_length);
@@ -140,10 +122,6 @@ private:
             current_->inspect(in, in_length);
             return current_->answer(out, length);
         };
-        device.closeHandle = [](PDevice) {};
-        device.getNVMEDevice = [](PDevice self) { return self; };
-        std::strcpy(device.bus_dev_fun, "03:00.00");
-        std::strcpy(device.device_path, "/dev/nvme0");
         return device;
     }
 

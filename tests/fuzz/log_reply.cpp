@@ -5,13 +5,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstring>
 #include <span>
 
-#include "api/src/device/common/DeviceManagement.h"
-#include "api/src/interface/globals.h"
 #include "cli/Functions/simple/simple_log.h"
+#include "tests/fuzz/stage.h"
 
 namespace {
 
@@ -41,33 +38,18 @@ QRX_U32 answer(std::span<QRX_U8> out)
     return 0;
 }
 
-Device fuzzedDevice()
+QRX_U32 send(PDevice, void*, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32*)
 {
-    Device device{};
-    device.sendPassthruAdmin = [](PDevice, void*, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32*) {
-        return answer({static_cast<QRX_U8*>(out), length});
-    };
-    device.closeHandle = [](PDevice) {};
-    device.getNVMEDevice = [](PDevice self) { return self; };
-    return device;
+    return answer({static_cast<QRX_U8*>(out), length});
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static Device device = fuzzedDevice();
-    static FILE* const nowhere = std::fopen("/dev/null", "w");
-    static const bool quiet = std::freopen("/dev/null", "w", stdout) != nullptr;
-    if (!quiet || nowhere == nullptr) {
-        return 0;
-    }
+    static Device device = qrx::fuzz::makeDevice(send);
     speech = {data, size};
-    const PDeviceManagement table = GetDeviceManagementInstance();
-    table->m_devs[0] = &device;
-    table->m_count = 1;
-    gCurrentAdapter = 0;
-    stream = nowhere;
+    qrx::fuzz::begin(device);
     char command[] = "log";
     char option[] = "-a";
     char action[] = "show";

@@ -17,10 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "api/src/device/common/DeviceManagement.h"
-#include "api/src/interface/globals.h"
-#include "cli/Public/common.h"
-#include "cli/qxsetup/command_table.h"
+#include "tests/fuzz/stage.h"
 
 namespace {
 
@@ -59,14 +56,12 @@ QRX_U32 answer(QRX_U8 opcode, const QRX_U32* words, const void* in, QRX_U16 in_l
 
 Device fuzzedDevice()
 {
-    Device device{};
+    Device device = qrx::fuzz::makeDevice();
     device.sendCommand = [](PDevice, QRX_U8 opcode, QRX_U32 nsid, QRX_U32* words, QRX_U8, void* in, QRX_U16 in_length,
                             void* out, QRX_U16 out_length) {
         assert(nsid == 0);
         return answer(opcode, words, in, in_length, out, out_length);
     };
-    device.closeHandle = [](PDevice) {};
-    device.getNVMEDevice = [](PDevice self) { return self; };
     return device;
 }
 
@@ -136,10 +131,7 @@ void readVpd(const char* word, std::vector<std::string> more)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static Device device = fuzzedDevice();
-    static FILE* const nowhere = std::fopen("/dev/null", "w");
-    static const bool quiet =
-        std::freopen("/dev/null", "w", stdout) != nullptr && std::freopen("/dev/null", "w", stdin) != nullptr;
-    if (!quiet || nowhere == nullptr || size < 10) {
+    if (size < 10) {
         return 0;
     }
     input.command = data[0] % kCommands;
@@ -149,15 +141,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     input.bytes = std::span(data, size).subspan(10);
     message.clear();
     asked = false;
-
-    const PDeviceManagement table = GetDeviceManagementInstance();
-    table->m_devs[0] = &device;
-    table->m_count = 1;
-    pCmdTable = generalCmdTableV1;
-    cmdTableSize = static_cast<QRX_U16>(generalCmdTableV1Size());
-    stream = nowhere;
-    gNumAdaptersFound = 1;
-    gCurrentAdapter = 0;
+    qrx::fuzz::begin(device);
 
     const std::string text(input.bytes.begin(), std::find(input.bytes.begin(), input.bytes.end(), 0));
     switch (input.command) {

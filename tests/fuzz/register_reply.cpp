@@ -6,15 +6,12 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstring>
 #include <span>
 
-#include "api/src/device/common/DeviceManagement.h"
-#include "api/src/interface/globals.h"
 #include "api/src/interface/wire/pcie_phy.h"
 #include "cli/Functions/simple/eom_scan.h"
 #include "cli/Functions/simple/simple_pcie.h"
+#include "tests/fuzz/stage.h"
 
 namespace {
 
@@ -42,34 +39,22 @@ QRX_U32 answer(void* out, QRX_U16 length)
     return 0;
 }
 
-Device fuzzedDevice()
+QRX_U32 send(PDevice, void*, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32*)
 {
-    Device device{};
-    device.sendPassthruAdmin = [](PDevice, void*, void*, QRX_U16, void* out, QRX_U16 length, QRX_U32*) {
-        return answer(out, length);
-    };
-    device.closeHandle = [](PDevice) {};
-    device.getNVMEDevice = [](PDevice self) { return self; };
-    return device;
+    return answer(out, length);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static Device device = fuzzedDevice();
-    static FILE* const nowhere = std::fopen("/dev/null", "w");
-    static const bool quiet = std::freopen("/dev/null", "w", stdout) != nullptr;
-    if (!quiet || nowhere == nullptr || size == 0) {
+    static Device device = qrx::fuzz::makeDevice(send);
+    if (size == 0) {
         return 0;
     }
     speech = {data, size};
     const std::uint8_t which = nextByte();
-    const PDeviceManagement table = GetDeviceManagementInstance();
-    table->m_devs[0] = &device;
-    table->m_count = 1;
-    stream = nowhere;
-    gCurrentAdapter = 0;
+    qrx::fuzz::begin(device);
     dbg_enable = (which & 0x80) != 0;
     if ((which & 1) == 0) {
         mtl_backend_PCIe_checking(which >> 1 & 3U);
