@@ -16,33 +16,13 @@ namespace {
 using qrx::print;
 using qrx::Response;
 using qrx::vendorCommand;
+using qrx::info::fetchAdapter;
+using qrx::info::printFetched;
 using qrx::info::Status;
 
 constexpr QRX_U8 kSubReadHbaInfo = 0x0F;
 constexpr std::size_t kSriovEnableOffset = 450;  // in the stored settings, which have no envelope
 constexpr QRX_U32 kWholePage = 1023;             // CDW10: dwords less 1
-
-// False when the call failed.
-bool fetchAdapter(QRX_U8 adapterID, Response& response)
-{
-    return qrx::info::fetch(vendorCommand(kGroupAdapter, 0).word(14, 0), {0, 12, 14}, response, Status::Spoken,
-                            adapterID) == 0;
-}
-
-// The verdict in the answer decides; its signature is not looked at.
-void printFetched(QRX_U8 adapterID, const Response& response, bool all, bool blankLine)
-{
-    if (response.status() != 0) {
-        print("\nUnable to get info of Adapter, cmd_status:0x%x\n", response.status());
-        return;
-    }
-    if (const auto record = response.record<NVME_Adapter_Info>()) {
-        Adapter_PrintInfo(adapterID, *record, all);
-        if (blankLine) {
-            print("\n");
-        }
-    }
-}
 
 void showFetched(QRX_U8 adapterID, bool all, bool every)
 {
@@ -59,6 +39,26 @@ void showFetched(QRX_U8 adapterID, bool all, bool every)
 }
 
 }  // namespace
+
+bool qrx::info::fetchAdapter(QRX_U8 adapterID, Response& response)
+{
+    return fetch(vendorCommand(kGroupAdapter, 0).word(14, 0), {0, 12, 14}, response, Status::Spoken, adapterID) == 0;
+}
+
+void qrx::info::printFetched(QRX_U8 adapterID, const Response& response, bool all, bool blankLine)
+{
+    // The verdict in the answer decides; its signature is not looked at.
+    if (response.status() != 0) {
+        print("\nUnable to get info of Adapter, cmd_status:0x%x\n", response.status());
+        return;
+    }
+    if (const auto record = response.record<NVME_Adapter_Info>()) {
+        Adapter_PrintInfo(adapterID, *record, all);
+        if (blankLine) {
+            print("\n");
+        }
+    }
+}
 
 void getAdapterInfoSA(QRX_U8 adapterID, bool all)
 {

@@ -20,6 +20,12 @@ enum class Status {
 int fetch(const AdminCommand& command, std::initializer_list<unsigned> shown, Response& response, Status spoken,
           QRX_U8 adapter = gCurrentAdapter);
 
+// Reads a controller's record. False when the call failed.
+bool fetchAdapter(QRX_U8 adapterID, Response& response);
+// Prints the record of such an answer, with `all` the SUBNQN too, and behind it a blank line if wanted; or what its
+// verdict is.
+void printFetched(QRX_U8 adapterID, const Response& response, bool all, bool blankLine);
+
 // The MaxNS records of a list of namespaces, as far as the page holds them.
 std::vector<NVME_NS_Info> namespacesIn(const Response& response);
 

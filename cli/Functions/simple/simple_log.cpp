@@ -1,14 +1,12 @@
-// `log`.
+// `log` and `log_vdm`: one command under two names.
 #include "cli/Functions/simple/simple_log.h"
 
-#include <unistd.h>
-
-#include <cstdio>
 #include <span>
 
 #include "api/src/interface/globals.h"
 #include "api/src/interface/wire/spi_log.h"
 #include "cli/Public/frame/admin_command.h"
+#include "cli/Public/frame/console_text.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/output_file.h"
 
@@ -38,6 +36,32 @@ const char simple_log_help[] =
     "    Disable SPI log\n"
     "\n";
 
+const char simple_log_vdm_help[] =
+    "\n"
+    "log_vdm <-a show [--outputfile=log.txt] |on|off > [-h]\n"
+    "\n"
+    "Options:\n"
+    "    -a,  --action show and set on/off.\n"
+    "           show, show VDM log\n"
+    "           on, enable VDM log\n"
+    "           off, disable VDM log\n"
+    "    --outputfile <outputfile>\n"
+    "         Output data into output file.\n"
+    "    -h,  --help\n"
+    "Examples:\n"
+    "    log_vdm -a show\n"
+    "    Show VDM log\n"
+    "\n"
+    "    log_vdm -a show --outputfile=log.txt\n"
+    "    Show VDM log into text file which named \"log.txt\"\n"
+    "\n"
+    "    log_vdm -a on\n"
+    "    Enable VDM log\n"
+    "\n"
+    "    log_vdm -a off\n"
+    "    Disable VDM log\n"
+    "\n";
+
 namespace {
 
 enum Action { kOff = 0, kOn = 1, kShow = 2 };  // the first two as the controller knows them
@@ -53,11 +77,22 @@ constexpr option kLong[] = {
 };
 constexpr qrx::Keyword kActions[] = {{"show", kShow}, {"on", kOn}, {"off", kOff}};
 
-constexpr QRX_U8 kSubReadLog = 0;
-constexpr QRX_U8 kSubReadStatus = 2;
-constexpr QRX_U8 kSubSwitch = 3;
 constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
-constexpr char kUnable[] = "\nUnable to get SPI log from NVMe Controller\n";
+
+// What differs between the two.
+struct Log {
+    const char* name;
+    QRX_U8 readSub;
+    QRX_U8 statusSub;
+    QRX_U8 switchSub;
+};
+constexpr Log kSpi{.name = "SPI", .readSub = 0x00, .statusSub = 0x02, .switchSub = 0x03};
+constexpr Log kVdm{.name = "VDM", .readSub = 0x06, .statusSub = 0x08, .switchSub = 0x07};
+
+int refuseLog(int result, const Log& log)
+{
+    return qrx::refuse(result, "\nUnable to get %s log from NVMe Controller\n", log.name);
+}
 
 qrx::AdminCommand readCommand(QRX_U8 subOpcode)
 {
@@ -80,76 +115,41 @@ std::span<QRX_U8> repair(std::span<QRX_U8> text)
     return text.first(kept);
 }
 
-// A terminal gets no bytes that it might obey, but for tabs and line ends.
-void show(std::span<const QRX_U8> text)
-{
-    if (isatty(fileno(stream)) == 0) {
-        (void)std::fwrite(text.data(), 1, text.size(), stream);
-        return;
-    }
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const QRX_U8 byte = text[i];
-        const bool lineEnd = byte == '\n' || (byte == '\r' && i + 1 < text.size() && text[i + 1] == '\n');
-        std::fputc(lineEnd || byte == '\t' || (byte >= ' ' && byte <= '~') ? byte : '?', stream);
-    }
-}
-
 // Reads page after page until there is nothing left: the controller advances by itself. Returns 0, or what the command
 // returns after a complaint.
-int showPages(qrx::OutputFile& output)
+int showPages(const Log& log, qrx::OutputFile& output)
 {
-    const qrx::AdminCommand command = readCommand(kSubReadLog);
+    const qrx::AdminCommand command = readCommand(log.readSub);
     for (bool first = true;; first = false) {
         qrx::Response response;
         command.debug();
         if (const int status = command.receive(response.bytes())) {
-            return qrx::refuse(status, kUnable);
+            return refuseLog(status, log);
         }
         const auto length = static_cast<QRX_U16>(response.record<NVME_AP_Debug_Dump_Request>()->length);
         if (length > kLogTextMax) {
-            return qrx::refuse(1, "Error SPI data length: %d\n", length);
+            return qrx::refuse(1, "Error %s data length: %d\n", log.name, length);
         }
         if (length == 0) {
             if (first) {
-                qrx::print("No SPI log\n");
+                qrx::print("No %s log\n", log.name);
             }
             return 0;
         }
         const std::span<QRX_U8> text = repair(response.bytes().subspan(kLogTextOffset, length));
-        show(text);
+        qrx::showConsoleText(text);
         output.write(text);  // a disk that is full is told at the end: the screen gets the rest all the same
     }
 }
 
-int showLog(PCommand_Info row, qrx::OutputFile& output)
+// As getStatus.
+int statusOf(const Log& log)
 {
-    if (output.isNamed() && !output.isOpen()) {
-        return output.refuse(row);
-    }
-    if (getStatus() == 0) {
-        return qrx::refuse(1, kUnable);
-    }
-    const int result = showPages(output);
-    if (!output.close()) {
-        const int refused = output.refuse(row);
-        return result != 0 ? result : refused;
-    }
-    if (result != 0) {
-        output.warnOfMissingRest(row);
-        return result;
-    }
-    return qrx::refuse(0, "cmd success\n");
-}
-
-}  // namespace
-
-int getStatus()
-{
-    const qrx::AdminCommand command = readCommand(kSubReadStatus);
+    const qrx::AdminCommand command = readCommand(log.statusSub);
     command.debug();
     qrx::Response response;
     if (const int status = command.receive(response.bytes())) {
-        return qrx::refuse(status, kUnable);
+        return refuseLog(status, log);
     }
     if (!response.checkSign()) {
         return 0;
@@ -157,7 +157,21 @@ int getStatus()
     return response.record<NVME_AP_Debug_Dump_Config>()->on;
 }
 
-int doSLog(int argc, char** argv, PCommand_Info pCmdInfo)
+int showLog(const Log& log, PCommand_Info row, qrx::OutputFile& output)
+{
+    if (output.isNamed() && !output.isOpen()) {
+        return output.refuse(row);
+    }
+    if (statusOf(log) == 0) {
+        return refuseLog(1, log);
+    }
+    if (const int result = output.finish(row, showPages(log, output))) {
+        return result;
+    }
+    return qrx::refuse(0, "cmd success\n");
+}
+
+int run(const Log& log, int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OutputFile output;
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
@@ -179,8 +193,25 @@ int doSLog(int argc, char** argv, PCommand_Info pCmdInfo)
         return qrx::refuse(1, "Error action!\n");
     }
     if (action == kShow) {
-        return showLog(pCmdInfo, output);
+        return showLog(log, pCmdInfo, output);
     }
-    return qrx::carryOut(qrx::vendorCommand(kGroupDump, kSubSwitch).word(14, static_cast<QRX_U32>(action)),
+    return qrx::carryOut(qrx::vendorCommand(kGroupDump, log.switchSub).word(14, static_cast<QRX_U32>(action)),
                          "cmd failed.\n", "cmd success\n");
+}
+
+}  // namespace
+
+int getStatus()
+{
+    return statusOf(kSpi);
+}
+
+int doSLog(int argc, char** argv, PCommand_Info pCmdInfo)
+{
+    return run(kSpi, argc, argv, pCmdInfo);
+}
+
+int doSLogVDM(int argc, char** argv, PCommand_Info pCmdInfo)
+{
+    return run(kVdm, argc, argv, pCmdInfo);
 }

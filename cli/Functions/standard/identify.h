@@ -14,3 +14,12 @@ int doIdentify(int argc, char** argv, PCommand_Info pCmdInfo);
 // Print Identify Controller data, and Identify Namespace data, to `stream`.
 void _showIDDetail(std::span<const QRX_U8, qrx::wire::kPageSize> page);
 void _showNSDetail(std::span<const QRX_U8, qrx::wire::kPageSize> page);
+
+namespace qrx {
+
+// The two pages of Identify Controller data: that of `identify`, and that of `id`, which has fewer lines and labels of
+// its own.
+enum class IdPage { kOfIdentify, kOfId };
+void showIdPage(std::span<const QRX_U8, wire::kPageSize> page, IdPage form);
+
+}  // namespace qrx

@@ -32,56 +32,102 @@ std::string subnqnText(const QRX_U8 (&subnqn)[256])
     return qrx::printable(text, ' ') + std::to_string(subnqn[kSubnqnShown]);
 }
 
+// The lines that the pages of `identify` and of `id` share, each under its two labels: null where a page leaves the
+// line out.
+class LabelledLines {
+public:
+    explicit LabelledLines(qrx::IdPage page) : page_(page) {}
+
+    void hex(const char* identify, const char* id, QRX_U32 value) const
+    {
+        show(identify, id, [&](const char* label) { lines_.hex(label, value); });
+    }
+    void hex64(const char* identify, const char* id, QRX_U64 value) const
+    {
+        show(identify, id, [&](const char* label) { lines_.hex64(label, value); });
+    }
+    void number(const char* identify, const char* id, QRX_U64 value) const
+    {
+        show(identify, id, [&](const char* label) { lines_.number(label, value); });
+    }
+    void number64(const char* identify, const char* id, QRX_U64 value) const
+    {
+        show(identify, id, [&](const char* label) { lines_.number64(label, value); });
+    }
+    void text(const char* identify, const char* id, const std::string& value) const
+    {
+        show(identify, id, [&](const char* label) { lines_.text(label, value.c_str()); });
+    }
+
+private:
+    template <class Print>
+    void show(const char* identify, const char* id, Print print) const
+    {
+        if (const char* const label = page_ == qrx::IdPage::kOfIdentify ? identify : id) {
+            print(label);
+        }
+    }
+
+    Lines lines_{24};
+    qrx::IdPage page_;
+};
+
 }  // namespace
+
+void qrx::showIdPage(std::span<const QRX_U8, wire::kPageSize> page, IdPage form)
+{
+    const auto id = wire::read<QRX_IDENTIFY_CONTROLLER_DATA>(page).value_or(QRX_IDENTIFY_CONTROLLER_DATA{});
+    const Capacity total = capacityOf(id.tnvmcap);
+    const Capacity unallocated = capacityOf(id.unvmcap);
+    const auto text = [](std::span<const QRX_U8> field) { return fieldText(field, field.size()); };
+    const LabelledLines lines(form);
+    print("\nNVME identify Information :\n\n");
+    lines.hex("VID:", "vid:", id.vid);
+    lines.hex("SSVID:", "ssvid:", id.ssvid);
+    lines.text("SN:", "Serial Number:", text(id.sn));
+    lines.text("MN:", "Model Number:", text(id.mn));
+    lines.text("FR:", "Firmware Revision:", text(id.fr));
+    lines.hex("RAB:", "rab:", id.rab);
+    lines.hex("IEEE[0]:", "ieee[0]:", id.ieee[0]);
+    lines.hex("IEEE[1]:", "ieee[1]:", id.ieee[1]);
+    lines.hex("IEEE[2]:", "ieee[2]:", id.ieee[2]);
+    lines.hex("MIC:", nullptr, id.cmic);
+    lines.hex("MDTS:", "mdts:", id.mdts);
+    lines.hex("OACS:", "oacs:", id.oacs);
+    lines.hex("ACL:", "acl:", id.acl);
+    lines.hex("AERL:", "aerl:", id.aerl);
+    lines.hex("FRMW:", "frmw:", id.frmw);
+    lines.hex("LPA:", "lpa:", id.lpa);
+    lines.hex("ELPE:", "elpe:", id.elpe);
+    lines.hex("NPSS:", "npss:", id.npss);
+    lines.hex("AVSCC:", "avscc:", id.avscc);
+    lines.hex64("TNVMCAP_LOW:", "tnvmcap_low:", total.low);
+    lines.hex64("TNVMCAP_HIGH:", "tnvmcap_high:", total.high);
+    lines.hex64("UNVMCAP_LOW:", "unvmcap_low:", unallocated.low);
+    lines.hex64("UNVMCAP_HIGH:", "unvmcap_high:", unallocated.high);
+    lines.number64("TNVMCAP(Bytes):", "TNVMCAP(Bytes):", total.low);
+    lines.number("TNVMCAP(GB):", "TNVMCAP(GB):", total.low >> 30);
+    lines.number64("UNVMCAP(Bytes):", "UNVMCAP(Bytes):", unallocated.low);
+    lines.number("UNVMCAP(GB):", "UNVMCAP(GB):", unallocated.low >> 30);
+    lines.hex("SQES:", "sqes:", id.sqes);
+    lines.hex("CQES:", "cqes:", id.cqes);
+    lines.hex("NN:", "nn:", id.nn);
+    lines.hex("ONCS:", "oncs:", id.oncs);
+    lines.hex("FUSES:", "fuses:", id.fuses);
+    lines.hex("FNA:", "fna:", id.fna);
+    lines.hex("VWC:", "vwc:", id.vwc);
+    lines.hex("AWUN:", nullptr, id.awun);
+    lines.hex("AWUPF:", nullptr, id.awupf);
+    lines.hex("NVSCC:", "nvscc:", id.nvscc);
+    lines.hex("ACWU:", nullptr, id.acwu);
+    lines.hex("SQLS:", "sgls:", id.sgls);
+    lines.text("SUBNQN:", nullptr, subnqnText(id.subnqn));
+    lines.text(nullptr, "subnqn:", text(id.subnqn));
+}
 
 void _showIDDetail(std::span<const QRX_U8, qrx::wire::kPageSize> page)
 {
-    const auto id = qrx::wire::read<QRX_IDENTIFY_CONTROLLER_DATA>(page).value_or(QRX_IDENTIFY_CONTROLLER_DATA{});
-    const Capacity total = capacityOf(id.tnvmcap);
-    const Capacity unallocated = capacityOf(id.unvmcap);
-    const auto text = [](std::span<const QRX_U8> field) { return qrx::fieldText(field, field.size()); };
-    const Lines lines(24);
-    qrx::print("\nNVME identify Information :\n\n");
-    lines.hex("VID:", id.vid);
-    lines.hex("SSVID:", id.ssvid);
-    lines.text("SN:", text(id.sn).c_str());
-    lines.text("MN:", text(id.mn).c_str());
-    lines.text("FR:", text(id.fr).c_str());
-    lines.hex("RAB:", id.rab);
-    lines.hex("IEEE[0]:", id.ieee[0]);
-    lines.hex("IEEE[1]:", id.ieee[1]);
-    lines.hex("IEEE[2]:", id.ieee[2]);
-    lines.hex("MIC:", id.cmic);
-    lines.hex("MDTS:", id.mdts);
-    lines.hex("OACS:", id.oacs);
-    lines.hex("ACL:", id.acl);
-    lines.hex("AERL:", id.aerl);
-    lines.hex("FRMW:", id.frmw);
-    lines.hex("LPA:", id.lpa);
-    lines.hex("ELPE:", id.elpe);
-    lines.hex("NPSS:", id.npss);
-    lines.hex("AVSCC:", id.avscc);
-    lines.hex64("TNVMCAP_LOW:", total.low);
-    lines.hex64("TNVMCAP_HIGH:", total.high);
-    lines.hex64("UNVMCAP_LOW:", unallocated.low);
-    lines.hex64("UNVMCAP_HIGH:", unallocated.high);
-    lines.number64("TNVMCAP(Bytes):", total.low);
-    lines.number("TNVMCAP(GB):", total.low >> 30);
-    lines.number64("UNVMCAP(Bytes):", unallocated.low);
-    lines.number("UNVMCAP(GB):", unallocated.low >> 30);
-    lines.hex("SQES:", id.sqes);
-    lines.hex("CQES:", id.cqes);
-    lines.hex("NN:", id.nn);
-    lines.hex("ONCS:", id.oncs);
-    lines.hex("FUSES:", id.fuses);
-    lines.hex("FNA:", id.fna);
-    lines.hex("VWC:", id.vwc);
-    lines.hex("AWUN:", id.awun);
-    lines.hex("AWUPF:", id.awupf);
-    lines.hex("NVSCC:", id.nvscc);
-    lines.hex("ACWU:", id.acwu);
-    lines.hex("SQLS:", id.sgls);
-    lines.text("SUBNQN:", subnqnText(id.subnqn).c_str());
+    qrx::showIdPage(page, qrx::IdPage::kOfIdentify);
     qrx::print("\n");
 }
 

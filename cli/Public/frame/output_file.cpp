@@ -47,6 +47,18 @@ int OutputFile::refuse(PCommand_Info row) const
                : qrx::refuse(1, "%s: cannot write '%s': %s; the file is incomplete\n", row->cmd, name(), reason());
 }
 
+int OutputFile::finish(PCommand_Info row, int result)
+{
+    if (!close()) {
+        const int refused = refuse(row);
+        return result != 0 ? result : refused;
+    }
+    if (result != 0) {
+        warnOfMissingRest(row);
+    }
+    return result;
+}
+
 void OutputFile::warnOfMissingRest(PCommand_Info row) const
 {
     if (written_) {

@@ -31,6 +31,9 @@ public:
     // Says on `stream` why the file could not be opened, or that it is incomplete and why. There must have been a
     // failure. Returns 1.
     [[nodiscard]] int refuse(PCommand_Info row) const;
+    // Closes it at the end of a command that ended with `result`, and says what it lacks; see refuse and
+    // warnOfMissingRest. Returns what the command returns: 1 where only the file failed.
+    [[nodiscard]] int finish(PCommand_Info row, int result);
     // Says on standard error that the file ends too early, where it has been written to and what ought to follow
     // could not be had.
     void warnOfMissingRest(PCommand_Info row) const;
