@@ -192,6 +192,7 @@ Clock::Duration Controller::next_change() const
 void Controller::advance_back_end(Clock::Duration passed)
 {
     advance_io(passed);
+    diagnostics.advance(passed);
     for (Drive& drive : drives) {
         drive.advance(passed);
     }

@@ -11,6 +11,7 @@
 #include "sim/firmware/adapter.h"
 #include "sim/firmware/board.h"
 #include "sim/firmware/child_controllers.h"
+#include "sim/firmware/diagnostics.h"
 #include "sim/firmware/drive.h"
 #include "sim/firmware/event_list.h"
 #include "sim/firmware/event_ring.h"
@@ -80,6 +81,7 @@ public:
     SpiLog spi_log;
     std::array<RateLimits, kHostFunctions> rate_limits{};
     OpcodeGate gate;
+    Diagnostics diagnostics;
     QRX_U64 namespaces_made = 0;  // since the start, so that no two have the same identifiers
 
     friend bool operator==(const Controller&, const Controller&) = default;
@@ -141,6 +143,7 @@ protected:
     [[nodiscard]] bool virtualizes() const override { return controller_id < kFirstVirtualFunction; }
     Completion virtualize(const nvme_admin_cmd& command) override;
     [[nodiscard]] bool has_management_endpoint() const override { return true; }
+    [[nodiscard]] bool dual_port() const override { return diagnostics.dual_port; }
     Completion management_send(const nvme_admin_cmd& command, std::span<const QRX_U8> data) override;
     Completion management_receive(const nvme_admin_cmd& command, std::span<QRX_U8> data) override;
     [[nodiscard]] QRX_U64 firmware_limit() const override;
@@ -291,12 +294,31 @@ private:
     // A line of the debug console about a command that failed.
     void log_refusal(const nvme_admin_cmd& command, const Completion& completion);
     Completion read_events(QRX_U32 offset, QRX_U32 length, std::span<QRX_U8> data) const;
-    Completion read_log_status(std::span<QRX_U8> data);
-    Completion read_log(std::span<QRX_U8> data);
-    Verdict switch_log(QRX_U32 word);
+    // A log that a host switches on and off, and reads page by page.
+    struct Console {
+        SpiLog& log;
+        bool& on;
+        const char* name;
+    };
+    [[nodiscard]] Console spi_console() { return {spi_log, settings.debug_dump, "debug console"}; }
+    [[nodiscard]] Console vdm_console() { return {diagnostics.vdm_log, diagnostics.vdm_on, "VDM log"}; }
+    Completion read_log_status(Console console, std::span<QRX_U8> data);
+    Completion read_log(Console console, std::span<QRX_U8> data);
+    Verdict switch_log(Console console, QRX_U32 word);
     // What both roads to the debug console share: a host begins to read it; its next page, with a head in front.
-    Verdict begin_log();
-    Verdict put_log(std::span<QRX_U8> payload);
+    Verdict begin_log(Console console);
+    Verdict put_log(Console console, std::span<QRX_U8> payload);
+    // A line of the log of vendor-defined messages, which carry those of the management interface.
+    void note_message(const std::string& line);
+
+    // The vendor commands that diagnose the controller; nothing for any other.
+    [[nodiscard]] std::optional<Completion> diagnose(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    void crash();
+    Completion read_io_queues(std::span<QRX_U8> data) const;
+    Verdict switch_ports(QRX_U16 dual);
+    Verdict take_offline(QRX_U16 pd);
+    // The drive counts as failed from now on.
+    void set_down(Drive& drive, const char* text, std::string_view what, QRX_U8 severity);
     // Takes a member out of its virtual disk: `gone` when its slot is empty from now on.
     void lose_member(QRX_U16 pd, bool gone);
 

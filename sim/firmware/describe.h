@@ -57,6 +57,8 @@ void describe(Io& io, EventRing& ring);
 template <class Io>
 void describe(Io& io, SpiLog& log);
 template <class Io>
+void describe(Io& io, Diagnostics& diagnostics);
+template <class Io>
 void describe(Io& io, Controller& controller, const Machine::Parts& machine);
 
 // What every NVMe device has. Drives may run firmware without a name.

@@ -137,6 +137,7 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
     io.object("events", [&](auto& inner) { describe(inner, controller.events); });
     io.object("event_ring", [&](auto& inner) { describe(inner, controller.ring); });
     io.object("spi_log", [&](auto& inner) { describe(inner, controller.spi_log); });
+    io.object("diagnostics", [&](auto& inner) { describe(inner, controller.diagnostics); });
     io.number("namespaces_made", controller.namespaces_made, 0, kAny32);
     sort_by(controller.drives, &Drive::id);
     sort_by(controller.virtual_disks, &VirtualDisk::id);

@@ -64,13 +64,18 @@ std::optional<Failure> Controller::fail_drive(QRX_U32 id)
     if (drive->failed) {
         return Failure{"drive " + std::to_string(id) + " has failed already"};
     }
-    drive->failed = true;
     drive->health.critical_warning |= kReliabilityDegraded;
-    drive->activity.reset();
-    tell(Event::kPd, drive->id, "has failed", "_SETDOWN", QRX_NVME_EVT_SEVERITY_CRITICAL);
-    lose_member(drive->id, false);
-    auto_rebuild();
+    set_down(*drive, "has failed", "_SETDOWN", QRX_NVME_EVT_SEVERITY_CRITICAL);
     return std::nullopt;
+}
+
+void Controller::set_down(Drive& drive, const char* text, std::string_view what, QRX_U8 severity)
+{
+    drive.failed = true;
+    drive.activity.reset();
+    tell(Event::kPd, drive.id, text, what, severity);
+    lose_member(drive.id, false);
+    auto_rebuild();
 }
 
 std::optional<Failure> Controller::answer_config_reads(QRX_U32 id, ConfigSpace::Answer answer)

@@ -70,6 +70,7 @@ nvme_id_ctrl NvmeFunction::identify_controller() const
     pad_with_blanks(id.fr, slots.running());
     id.rab = 6;
     std::copy(kOui.begin(), kOui.end(), std::begin(id.ieee));
+    id.cmic = dual_port() ? 1 : 0;
     id.mdts = kMaxTransferPages;
     id.cntlid = controller_id;
     id.ver = kVersion;

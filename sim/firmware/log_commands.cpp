@@ -60,50 +60,50 @@ Completion Controller::read_events(QRX_U32 offset, QRX_U32 length, std::span<QRX
     return complete(status::kSuccess);
 }
 
-Verdict Controller::begin_log()
+Verdict Controller::begin_log(Console console)
 {
     if ((adapter.features & kFeatureDump) == 0) {
         return Verdict::kNotSupported;
     }
-    spi_log.read_until = 0;  // a host that asks begins to read
+    console.log.read_until = 0;  // a host that asks begins to read
     return Verdict::kGood;
 }
 
-Verdict Controller::put_log(std::span<QRX_U8> payload)
+Verdict Controller::put_log(Console console, std::span<QRX_U8> payload)
 {
     if ((adapter.features & kFeatureDump) == 0) {
         return Verdict::kNotSupported;
     }
-    if (!settings.debug_dump) {
+    if (!console.on) {
         return Verdict::kInvalidRequest;
     }
     NVME_AP_Debug_Dump_Request head{};
     if (payload.size() > sizeof(head)) {
-        head.length = static_cast<QRX_U32>(spi_log.read(payload.subspan(sizeof(head))));
+        head.length = static_cast<QRX_U32>(console.log.read(payload.subspan(sizeof(head))));
     }
     put(payload, 0, head);
     return Verdict::kGood;
 }
 
-Completion Controller::read_log_status(std::span<QRX_U8> data)
+Completion Controller::read_log_status(Console console, std::span<QRX_U8> data)
 {
-    const Verdict verdict = begin_log();
+    const Verdict verdict = begin_log(console);
     if (verdict != Verdict::kGood) {
         return complete(verdict);
     }
-    return reply_with(data, NVME_AP_Debug_Dump_Config{settings.debug_dump ? QRX_U8{1} : QRX_U8{0}, {}});
+    return reply_with(data, NVME_AP_Debug_Dump_Config{console.on ? QRX_U8{1} : QRX_U8{0}, {}});
 }
 
-Completion Controller::read_log(std::span<QRX_U8> data)
+Completion Controller::read_log(Console console, std::span<QRX_U8> data)
 {
     std::array<QRX_U8, kLogTextMax + sizeof(NVME_AP_Debug_Dump_Request)> page{};
     const std::size_t room = std::min(data.size(), wire::kPageSize);
     const Verdict verdict =
-        put_log(std::span(page).first(room > kReceiveDataOffset ? room - kReceiveDataOffset : std::size_t{0}));
+        put_log(console, std::span(page).first(room > kReceiveDataOffset ? room - kReceiveDataOffset : std::size_t{0}));
     return verdict == Verdict::kGood ? reply_with(data, page) : complete(verdict);
 }
 
-Verdict Controller::switch_log(QRX_U32 word)
+Verdict Controller::switch_log(Console console, QRX_U32 word)
 {
     if ((adapter.features & kFeatureDump) == 0) {
         return Verdict::kNotSupported;
@@ -112,13 +112,13 @@ Verdict Controller::switch_log(QRX_U32 word)
         return Verdict::kInvalidParameter;
     }
     const bool on = word == 1;
-    if (on && !settings.debug_dump) {
-        spi_log = {};  // it begins anew
+    if (on && !console.on) {
+        console.log = {};  // it begins anew
     }
-    if (on != settings.debug_dump) {
-        settings.debug_dump = true;  // its own end is the last thing that it tells
-        tell(Event::kAdapter, 0, std::string("has its debug console switched ") + (on ? "on" : "off"));
-        settings.debug_dump = on;
+    if (on != console.on) {
+        console.on = true;  // its own end is the last thing that it tells
+        tell(Event::kAdapter, 0, std::string("has its ") + console.name + " switched " + (on ? "on" : "off"));
+        console.on = on;
     }
     return Verdict::kGood;
 }

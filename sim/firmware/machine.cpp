@@ -39,14 +39,31 @@ NvmeFunction* Machine::find(const Node& node)
     return ns != nullptr && ns->valid && ns->active ? function : nullptr;
 }
 
+void Machine::wait_for(const Node& node)
+{
+    Controller* const stalled = controller(node.controller);
+    if (stalled == nullptr || stalled->diagnostics.stall == 0) {
+        return;
+    }
+    const Clock::Duration left(stalled->diagnostics.stall);
+    if (!wait_) {
+        advance(left);
+        return;
+    }
+    wait_(left);  // the clock catches up with the next tick
+    stalled->diagnostics.stall = 0;
+}
+
 Completion Machine::admin(const Node& node, const nvme_admin_cmd& command, std::span<QRX_U8> data)
 {
+    wait_for(node);
     NvmeFunction* const function = find(node);
     return function != nullptr ? function->execute_admin(command, data) : Completion{0, 0, ENODEV};
 }
 
 Completion Machine::io(const Node& node, const nvme_admin_cmd& command, std::span<QRX_U8> data)
 {
+    wait_for(node);
     NvmeFunction* const function = find(node);
     if (function == nullptr) {
         return {0, 0, ENODEV};

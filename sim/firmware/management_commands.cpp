@@ -149,17 +149,24 @@ Completion Controller::management_receive(const nvme_admin_cmd& command, std::sp
 
 ManagementAnswer Controller::answer_to(const ManagementRequest& request)
 {
-    switch (request.opcode) {
-    case kMiReadDataStructure:
-        return management_structure(request.dw0);
-    case kMiSubsystemHealthPoll:
-        return {kMiSuccess, bytes_of(subsystem_health())};
-    case kMiVpdRead:
-    case kMiVpdWrite:
-        return management_vpd(request);
-    default:
-        return {kMiInvalidOpcode, {}};
-    }
+    const auto make = [&]() -> ManagementAnswer {
+        switch (request.opcode) {
+        case kMiReadDataStructure:
+            return management_structure(request.dw0);
+        case kMiSubsystemHealthPoll:
+            return {kMiSuccess, bytes_of(subsystem_health())};
+        case kMiVpdRead:
+        case kMiVpdWrite:
+            return management_vpd(request);
+        default:
+            return {kMiInvalidOpcode, {}};
+        }
+    };
+    ManagementAnswer answer = make();
+    note_message(std::string(management_opcode_name(request.header.NVMe_MI_Msg_Type, request.opcode)) +
+                 " answered with status " + std::to_string(answer.status) + " and " +
+                 std::to_string(answer.data.size()) + " bytes");
+    return answer;
 }
 
 ManagementAnswer Controller::management_vpd(const ManagementRequest& request)
@@ -260,6 +267,7 @@ Completion Controller::management_admin(const nvmemi_message_header& header, std
         return complete(status::kInvalidField);
     }
     const nvme_admin_cmd inner = command_in(message);
+    note_message(std::string("admin command ") + admin_opcode_name(inner.opcode));
     switch (inner.opcode) {
     case kTunnelFromDrive:
         return management_tunnel(header, inner);

@@ -143,6 +143,8 @@ protected:
     // Both, if has_management_endpoint().
     virtual Completion management_send(const nvme_admin_cmd& command, std::span<const QRX_U8> data);
     virtual Completion management_receive(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    // The subsystem has two ports.
+    [[nodiscard]] virtual bool dual_port() const { return false; }
     // Most bytes of a firmware image.
     [[nodiscard]] virtual QRX_U64 firmware_limit() const { return QRX_U64{16} << 20; }
     // The version that runs, in full, where the device knows it beside the slot's revision.

@@ -65,12 +65,20 @@ inline constexpr QRX_U16 kSetRateLimits = 0x17E0;
 inline constexpr QRX_U16 kReadRateLimits = 0x18E0;
 inline constexpr QRX_U16 kSetInverse = 0x19E0;
 inline constexpr QRX_U16 kGetInverse = 0x1AE0;
+inline constexpr QRX_U16 kCheckAlive = 0x1EE0;
 inline constexpr QRX_U16 kReadIoCounters = 0x1FE0;
 inline constexpr QRX_U16 kReadIdleWindows = 0x20E0;
+inline constexpr QRX_U16 kSwitchPorts = 0x21E0;
+inline constexpr QRX_U16 kReadIoQueues = 0x24E0;
+inline constexpr QRX_U16 kReadErrorStatus = 0x26E0;
+inline constexpr QRX_U16 kClearErrorStatus = 0x27E0;
+inline constexpr QRX_U16 kCrash = 0x28E0;
+inline constexpr QRX_U16 kDelay = 0xFCE0;
 inline constexpr QRX_U16 kReadPdInfo = 0x00E1;
 inline constexpr QRX_U16 kLedOfRootComplex = 0x07E1;
 inline constexpr QRX_U16 kResetBackEnd = 0x08E1;
 inline constexpr QRX_U16 kImportNsTable = 0x09E1;
+inline constexpr QRX_U16 kTakeOffline = 0x0BE1;
 inline constexpr QRX_U16 kReadPdAer = 0x0CE1;
 inline constexpr QRX_U16 kReadVdInfo = 0x00E2;
 inline constexpr QRX_U16 kCreateVd = 0x03E2;
@@ -92,6 +100,9 @@ inline constexpr QRX_U16 kReadLog = 0x00FE;
 inline constexpr QRX_U16 kReadLogStatus = 0x02FE;
 inline constexpr QRX_U16 kSwitchLog = 0x03FE;
 inline constexpr QRX_U16 kReadEvents = 0x04FE;
+inline constexpr QRX_U16 kReadVdmLog = 0x06FE;
+inline constexpr QRX_U16 kSwitchVdmLog = 0x07FE;
+inline constexpr QRX_U16 kReadVdmLogStatus = 0x08FE;
 }  // namespace vendor
 
 // Opcodes of messages of the management interface, by the kind of message.

@@ -19,12 +19,12 @@ Verdict Controller::PairAnswers::event_page()
 
 Verdict Controller::PairAnswers::console()
 {
-    return controller.put_log(payload);
+    return controller.put_log(controller.spi_console(), payload);
 }
 
 Verdict Controller::PairAnswers::console_status()
 {
-    const Verdict verdict = controller.begin_log();
+    const Verdict verdict = controller.begin_log(controller.spi_console());
     return verdict == Verdict::kGood ? answer(NVME_Debug_Dump_Status{SpiLog::kBytes, {}}) : verdict;
 }
 
@@ -38,7 +38,8 @@ Verdict Controller::PairAnswers::console_config()
 
 Verdict Controller::PairAnswers::set_console_config()
 {
-    return with<NVME_Debug_Dump_Config>([&](const auto& record) { return controller.switch_log(record.dumpOn); });
+    return with<NVME_Debug_Dump_Config>(
+        [&](const auto& record) { return controller.switch_log(controller.spi_console(), record.dumpOn); });
 }
 
 }  // namespace qrx::sim

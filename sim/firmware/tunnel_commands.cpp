@@ -104,6 +104,7 @@ void Controller::reset_back_end()
     mailbox = {};
     endpoint = {};
     host_functions.reset();
+    diagnostics.stall = 0;
     for (PcieInterface& interface : interfaces) {
         interface.reset();
     }

@@ -125,12 +125,15 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
     case vendor::kGetInverse:
         return get_inverse(data);
     case vendor::kReadLog:
-        return read_log(data);
+        return read_log(spi_console(), data);
     case vendor::kReadLogStatus:
-        return read_log_status(data);
+        return read_log_status(spi_console(), data);
     case vendor::kReadEvents:
         return read_events(command.cdw13, command.cdw14, data);
     default: {
+        if (const std::optional<Completion> diagnosis = diagnose(command, data)) {
+            return *diagnosis;
+        }
         const std::optional<Verdict> verdict = carry_out(command);
         return verdict ? complete(*verdict) : complete(status::kInvalidField);
     }
@@ -223,7 +226,7 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
     case vendor::kSetNsSharing:
         return set_sharing(argument, command.cdw14);
     case vendor::kSwitchLog:
-        return switch_log(command.cdw14);
+        return switch_log(spi_console(), command.cdw14);
     case vendor::kCreateNs:
         return create_namespace(static_cast<QRX_U8>(argument), static_cast<QRX_U8>(argument >> 8),
                                 QRX_U64{command.cdw14} << 32 | command.cdw13);

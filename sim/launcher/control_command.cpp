@@ -36,7 +36,7 @@ constexpr auto kRows = std::to_array<Row>({
     {"reset", "", ControlArgument::none},
     {"firmware", "", ControlArgument::none},
     {"events", "", ControlArgument::none},
-    {"show", "[pins|features|children]", ControlArgument::optional_text},
+    {"show", "[pins|features|children|diagnostics]", ControlArgument::optional_text},
     {"save", "<file>", ControlArgument::file_to_write},
     {"mount-table", "<file>", ControlArgument::file_to_read},
     {"help", "", ControlArgument::none},
@@ -151,7 +151,10 @@ Result<std::string> show(const Controller& controller, const std::string& what)
     if (what == "children") {
         return show_children(controller);
     }
-    return Failure{"show: '" + what + "' is none of pins, features, children"};
+    if (what == "diagnostics") {
+        return show_diagnostics(controller);
+    }
+    return Failure{"show: '" + what + "' is none of pins, features, children, diagnostics"};
 }
 
 std::string show_slots(const std::string& name, const NvmeFunction& function)
@@ -396,6 +399,7 @@ another terminal give the socket that the other qrx_sim was started with, or the
   show pins               power and PERST# lines of the drives, and LEDs
   show features           switched features, the place of the VPD, the SPI flash
   show children           mode and privilege of the multi-function device, and its child controllers
+  show diagnostics        error status, ports, a stall, the VDM log
   save <file>             write the machine's state to a file
   mount-table <file>      give the machine another mount table
   help                    show this page

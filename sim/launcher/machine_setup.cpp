@@ -104,6 +104,9 @@ MachineSetup::MachineSetup(const Options& options)
         layers.machine = make_from_scenario(options.scenario);
         save();  // a place that cannot be written is found before anything runs
     }
+    if (options.clock_runs) {
+        layers.machine->wait_with([](Clock::Duration time) { std::this_thread::sleep_for(time); });
+    }
     layers.front = layers.machine.get();
     if (!options.mount_table.empty()) {
         std::optional<std::string> text = read_file(options.mount_table);

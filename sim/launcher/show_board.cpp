@@ -93,4 +93,15 @@ std::string show_features(const Controller& controller)
            "\n  bytes of the SPI flash that are not erased: " + std::to_string(written) + "\n";
 }
 
+std::string show_diagnostics(const Controller& controller)
+{
+    const Diagnostics& diagnostics = controller.diagnostics;
+    return "controller " + std::to_string(controller.number) +
+           ":\n  error status: " + std::to_string(diagnostics.error_status) +
+           ((diagnostics.error_status & Diagnostics::kCrashLog) != 0 ? ", a crash log" : "") +
+           "\n  ports: " + (diagnostics.dual_port ? "two" : "one") +
+           "\n  stalls for: " + std::to_string(diagnostics.stall) +
+           " ms\n  VDM log: " + (diagnostics.vdm_on ? "on" : "off") + "\n";
+}
+
 }  // namespace qrx::sim

@@ -13,4 +13,7 @@ namespace qrx::sim {
 // The features that are switched, where the VPD lies, and what the SPI flash holds, a line each.
 [[nodiscard]] std::string show_features(const Controller& controller);
 
+// Error status, ports, how long it stalls yet, and whether it logs vendor-defined messages, a line each.
+[[nodiscard]] std::string show_diagnostics(const Controller& controller);
+
 }  // namespace qrx::sim
