@@ -1,7 +1,6 @@
 // `dump`.
 #include "cli/Functions/dump/dump.h"
 
-#include <memory>
 #include <span>
 
 #include "api/src/interface/dump.h"
@@ -75,21 +74,20 @@ int refuseStatus(QRX_U32 status)
 int showPages(qrx::OutputFile& output)
 {
     constexpr int kPagesMax = 20;
-    const auto page = std::make_unique<NVME_Debug_Dump_Request>();
     for (int i = 0; i < kPagesMax; ++i) {
-        *page = {};
-        if (const QRX_U32 status = QRX_Dump_Console(gCurrentAdapter, page.get())) {
+        NVME_Debug_Dump_Request page{};
+        if (const QRX_U32 status = QRX_Dump_Console(gCurrentAdapter, &page)) {
             return qrx::refuse(static_cast<int>(status), "\nUnable to get dump console from NVMe Controller %d\n",
                                gCurrentAdapter);
         }
-        const auto length = static_cast<QRX_U16>(page->length);
+        const auto length = static_cast<QRX_U16>(page.length);
         if (length > kDumpTextMax) {
             return qrx::refuse(1, "Error dump data length: %d\n", length);
         }
         if (length == 0) {
             break;
         }
-        const std::span<const QRX_U8> text = std::span(page->data).first(length);
+        const std::span<const QRX_U8> text = std::span(page.data).first(length);
         qrx::showConsoleText(text);
         output.write(text);  // a disk that is full is told at the end: the screen gets the rest all the same
     }

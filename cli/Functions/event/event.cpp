@@ -94,7 +94,7 @@ int getPageEvent(QRX_U16 event_count)
         return qrx::refuse(1, "event: the ring of %u pages is said to be written at page %u\n", ring.maxPage,
                            ring.posEmptyPage);
     }
-    const auto page = std::make_unique<NVME_Page_EventRequest>();
+    NVME_Page_EventRequest page{};
     unsigned shown = 0;
     bool more = true;
     for (unsigned step = 0; more && step < walk->pages(); ++step) {
@@ -102,13 +102,13 @@ int getPageEvent(QRX_U16 event_count)
         if (stop.slots == 0) {
             continue;
         }
-        std::memset(page.get(), 0xFF, sizeof(*page));  // what does not come is empty
-        page->Page = stop.page;
-        if (const QRX_U32 status = QRX_Page_Event(gCurrentAdapter, page.get())) {
+        std::memset(&page, 0xFF, sizeof(page));  // what does not come is empty
+        page.Page = stop.page;
+        if (const QRX_U32 status = QRX_Page_Event(gCurrentAdapter, &page)) {
             return qrx::refuse(static_cast<int>(status), "\nUnable to get page event from adapter %d\n",
                                gCurrentAdapter);
         }
-        more = !qrx::isWritten(*page) || showPage(*page, stop.slots, event_count, shown);
+        more = !qrx::isWritten(page) || showPage(page, stop.slots, event_count, shown);
     }
     if (shown == 0) {
         qrx::print("No events\n");
