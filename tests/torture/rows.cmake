@@ -44,4 +44,7 @@ set(torture_rows_unlisted
     "mfnd-opertation -a set -o mode -t multiple" "mfnd-properties -a get" "mfnd-properties -a set -1 12 -3 1"
     "mfnd-event" "mfnd-child-ctrl -s 1 -i 1" "mfnd-child-ctrl-log-page -i 1 -d 2 -l 512" "mfnd-cmdpermission -a get"
     "mfnd-cmdpermission -a set -e 0xaa:1"
+    "err_status -a get" "crash -a enable" "ioq -a show" "delay -s 0" "offline -i 0" "chkalive" "sf -t 1" "log_vdm -a on"
+    "test -t 1" "id -i 0" "seasoned: event -c 3" "dump -a get" "dump -a set -d on"
+    "scarred: dump -a show --outputfile=output"
 )
