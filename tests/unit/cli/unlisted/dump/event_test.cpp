@@ -135,7 +135,7 @@ TEST_F(EventCommand, TheWalkEndsWithTheCount)
     EXPECT_EQ(unlisted({"event", "-c", "2"}), (Outcome{0, shown({5, 4}) + total(2)}));
     ring(3, 2, 2, 1);
     page(2, {numbered(5)});
-    EXPECT_EQ(unlisted({"event", "--count=1"}), (Outcome{0, shown({5}) + total(1)}));
+    EXPECT_EQ(unlisted({"event", "--count=1"}), (Outcome{0, shown(5) + total(1)}));
     ring(2, 2, 0, 1);
     page(0, {numbered(5)});
     page(1, {numbered(3), numbered(4)});
