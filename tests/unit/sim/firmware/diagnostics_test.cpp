@@ -185,7 +185,7 @@ TEST(Diagnostics, TheVdmLogTellsOfManagementMessages)
     EXPECT_EQ(rig.machine().admin({}, send, rig.page).status, kGood);
     EXPECT_EQ(rig.vendor(kReadVdmLog).status, kGood);
     EXPECT_EQ(rig.bytes(16, rig.at<NVME_AP_Debug_Dump_Request>(8).length),
-              "[      0.000] message of 4096 bytes, kind 1\n[      0.000] answer with status 3 and 0 bytes\n");
+              "[      0.000] unknown answered with status 3 and 0 bytes\n");
     EXPECT_EQ(rig.vendor(kSwitchVdmLog, 0).status, kGood);
     EXPECT_EQ(last_event(rig), "controller has its VDM log switched off");
 }
