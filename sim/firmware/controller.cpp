@@ -72,12 +72,14 @@ NVME_NS_Info Controller::ns_record(const Namespace& ns) const
 NvmeFunction::Identity Controller::identity() const
 {
     Identity own = NvmeFunction::identity();
+    own.subsystem_device_id = adapter.subsystem_device_id;
     if (auto stored = oem.identity()) {
         // A name that the firmware made of the serial number follows it.
         if (!own.serial.empty() && own.subnqn.ends_with(own.serial)) {
             own.subnqn.replace(own.subnqn.size() - own.serial.size(), std::string::npos, stored->serial);
         }
         own.subsystem_vendor_id = stored->subsystem_vendor_id;
+        own.subsystem_device_id = stored->subsystem_device_id;
         own.serial = std::move(stored->serial);
         own.model = std::move(stored->model);
     }

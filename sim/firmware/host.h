@@ -46,6 +46,8 @@ struct ControllerNode {
     std::string address;  // PCI address with domain, "0000:03:00.0"
     QRX_U16 vendor_id = 0;
     QRX_U16 device_id = 0;
+    QRX_U16 subsystem_vendor_id = 0;
+    QRX_U16 subsystem_device_id = 0;
     QRX_U16 controller_id = 0;
     unsigned slot_id = 0;  // System Slot in which it sits
     std::string model;     // without padding

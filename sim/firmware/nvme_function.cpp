@@ -129,6 +129,8 @@ ControllerNode NvmeFunction::node() const
     node.address = address.text();
     node.vendor_id = vendor_id;
     node.device_id = device_id;
+    node.subsystem_vendor_id = own.subsystem_vendor_id;
+    node.subsystem_device_id = own.subsystem_device_id;
     node.controller_id = controller_id;
     node.slot_id = slot;
     node.model = own.model;

@@ -52,11 +52,12 @@ public:
     // How it identifies itself: by the fields above, unless something else has been stored in the device.
     struct Identity {
         QRX_U16 subsystem_vendor_id = 0;
+        QRX_U16 subsystem_device_id = 0;
         std::string model;
         std::string serial;
         std::string subnqn;
     };
-    [[nodiscard]] virtual Identity identity() const { return {subsystem_vendor_id, model, serial, subnqn}; }
+    [[nodiscard]] virtual Identity identity() const { return {subsystem_vendor_id, device_id, model, serial, subnqn}; }
 
     [[nodiscard]] ControllerNode node() const;
     // Lets simulated time go by.

@@ -34,6 +34,14 @@ std::string hex4(unsigned value)
     return text.data();
 }
 
+// Two ids as the kernel writes them for udev.
+std::string pair_of_ids(unsigned vendor, unsigned device)
+{
+    std::array<char, 12> text{};
+    (void)std::snprintf(text.data(), text.size(), "%04X:%04X", vendor & 0xffff, device & 0xffff);
+    return text.data();
+}
+
 // Attribute files: one line each.
 void add_attributes(Overlay& overlay, const std::string& directory, const Attributes& attributes)
 {
@@ -116,20 +124,23 @@ void add_controller(Overlay& overlay, const ControllerNode& controller)
     for (const std::string& path : {root, function, function + "/nvme", directory}) {
         overlay.add_directory(path);
     }
-    add_attributes(overlay, function,
-                   {{"vendor", hex4(controller.vendor_id)},
-                    {"device", hex4(controller.device_id)},
-                    {"subsystem_vendor", hex4(controller.vendor_id)},
-                    {"subsystem_device", hex4(controller.device_id)},
-                    {"class", "0x010802"},
-                    {"revision", "0x01"},
-                    {"numa_node", "-1"},
-                    {"current_link_speed", "8.0 GT/s PCIe"},
-                    {"current_link_width", "8"},
-                    {"max_link_speed", "8.0 GT/s PCIe"},
-                    {"max_link_width", "8"},
-                    {"uevent", "DRIVER=nvme\nPCI_CLASS=10802\nPCI_ID=" + hex4(controller.vendor_id).substr(2) + ":" +
-                                   hex4(controller.device_id).substr(2) + "\nPCI_SLOT_NAME=" + controller.address}});
+    add_attributes(
+        overlay, function,
+        {{"vendor", hex4(controller.vendor_id)},
+         {"device", hex4(controller.device_id)},
+         {"subsystem_vendor", hex4(controller.subsystem_vendor_id)},
+         {"subsystem_device", hex4(controller.subsystem_device_id)},
+         {"class", "0x010802"},
+         {"revision", "0x01"},
+         {"numa_node", "-1"},
+         {"current_link_speed", "8.0 GT/s PCIe"},
+         {"current_link_width", "8"},
+         {"max_link_speed", "8.0 GT/s PCIe"},
+         {"max_link_width", "8"},
+         {"uevent",
+          "DRIVER=nvme\nPCI_CLASS=10802\nPCI_ID=" + pair_of_ids(controller.vendor_id, controller.device_id) +
+              "\nPCI_SUBSYS_ID=" + pair_of_ids(controller.subsystem_vendor_id, controller.subsystem_device_id) +
+              "\nPCI_SLOT_NAME=" + controller.address}});
     overlay.add_link(function + "/subsystem", "../../../bus/pci");
     overlay.add_link("/sys/bus/pci/devices/" + controller.address,
                      "../../../" + function.substr(std::string_view("/sys/").size()));

@@ -117,6 +117,8 @@ TEST(Scenarios, RaidHasOneMirrorAndOneFreeDrive)
     expected.address = "0000:03:00.0";
     expected.vendor_id = 0x7A51;
     expected.device_id = 0x3317;
+    expected.subsystem_vendor_id = 0x7A51;
+    expected.subsystem_device_id = 0x1001;
     expected.slot_id = 1;
     expected.model = "QRX NVMe RAID Controller";
     expected.serial = "QRXSIM0000";

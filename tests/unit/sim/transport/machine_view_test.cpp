@@ -52,6 +52,19 @@ TEST(MachineView, ControllerHasTheAttributesOfTheDriver)
     }
 }
 
+TEST(MachineView, TheFunctionTellsItsIdsAndThoseOfItsCustomer)
+{
+    const StubHost host;
+    const Overlay overlay = make_overlay(view_of(host));
+    const std::string function = "/sys/devices/pci0000:03/0000:03:00.0/";
+    EXPECT_EQ(content(overlay, function + "vendor"), "0x7a51\n");
+    EXPECT_EQ(content(overlay, function + "device"), "0x3317\n");
+    EXPECT_EQ(content(overlay, function + "subsystem_vendor"), "0x1234\n");
+    EXPECT_EQ(content(overlay, function + "subsystem_device"), "0xabcd\n");
+    EXPECT_EQ(content(overlay, function + "uevent"),
+              "DRIVER=nvme\nPCI_CLASS=10802\nPCI_ID=7A51:3317\nPCI_SUBSYS_ID=1234:ABCD\nPCI_SLOT_NAME=0000:03:00.0\n");
+}
+
 TEST(MachineView, SectorsOfOtherSizesAreCountedIn512Bytes)
 {
     StubHost host;

@@ -28,6 +28,8 @@ public:
         controller.address = "0000:03:00.0";
         controller.vendor_id = 0x7a51;
         controller.device_id = 0x3317;
+        controller.subsystem_vendor_id = 0x1234;
+        controller.subsystem_device_id = 0xabcd;
         controller.controller_id = 5;
         controller.slot_id = 7;
         controller.model = "STUB MODEL";
