@@ -141,6 +141,14 @@ Machine& MachineSetup::machine()
 
 void MachineSetup::save() const
 {
+    save_state();
+    if (layers_->trace_file && !layers_->trace_file->stream().flush()) {
+        fail("--trace: cannot write all of it");
+    }
+}
+
+void MachineSetup::save_state() const
+{
     if (state_file_.empty()) {
         return;
     }

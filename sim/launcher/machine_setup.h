@@ -21,11 +21,13 @@ public:
     [[nodiscard]] Host& host();
     // What lies behind all that stands in front of it.
     [[nodiscard]] Machine& machine();
-    // Writes the state file, if there is to be one. Throws as well.
+    // Writes the state file, if there is to be one, and what is left of the trace. Throws as well.
     void save() const;
 
 private:
     struct Layers;
+
+    void save_state() const;
 
     std::string state_file_;
     std::unique_ptr<Layers> layers_;

@@ -44,6 +44,7 @@ int run(const Options& options)
 
 int main(int argc, char** argv)
 try {
+    outlive_full_files();
     const std::span<const char* const> words(argv, static_cast<std::size_t>(argc));
     const Result<Options> options = parse_options(words.empty() ? words : words.subspan(1));
     if (!options) {

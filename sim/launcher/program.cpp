@@ -32,6 +32,8 @@ using std::chrono::milliseconds;
 constexpr milliseconds kPatienceWithProgram{3000};  // between a signal passed on and SIGKILL
 constexpr milliseconds kPatienceWithRest{1000};     // for processes that the program leaves behind
 
+void (*action_on_full_files)(int) = SIG_DFL;  // that programs start with
+
 // What the child tells: how far it came, and errno.
 struct StartReport {
     enum class Stage : QRX_U32 { filter, exec };
@@ -89,6 +91,7 @@ private:
         }
     }
     signals.restore();
+    (void)signal(SIGXFSZ, action_on_full_files);
     execvp(arguments[0], arguments);
     report = {StartReport::Stage::exec, errno};
     (void)send_with_descriptor(socket, bytes_of(report), -1);
@@ -265,6 +268,11 @@ int start_and_serve(Host& host, const ProgramOptions& options, Attendant* attend
 }
 
 }  // namespace
+
+void outlive_full_files()
+{
+    action_on_full_files = signal(SIGXFSZ, SIG_IGN);
+}
 
 int run_program(Host& host, const ProgramOptions& options, Attendant* attendant)
 {

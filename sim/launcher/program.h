@@ -22,6 +22,10 @@ inline constexpr int kExitOwnFailure = 125;
 inline constexpr int kExitCannotRun = 126;
 inline constexpr int kExitNotFound = 127;
 
+// From now on a file that may grow no more (RLIMIT_FSIZE) is an error of the write, not the end of qrx_sim. Programs
+// start with what was before.
+void outlive_full_files();
+
 // Runs the program to its end. Its exit value, 128 + signal when it was killed, or one of the above, with a message on
 // standard error. SIGTERM and SIGHUP are passed on to the program, which is killed if it does not end upon it; SIGINT
 // and SIGQUIT are left to it. An attendant has its turn between calls.

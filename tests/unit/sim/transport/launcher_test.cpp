@@ -253,6 +253,37 @@ TEST_F(QrxSim, StateThatCannotBeWrittenIsFoundBeforeAnythingRuns)
     EXPECT_EQ(content("ran"), "(none)");
 }
 
+TEST_F(QrxSim, AStateThatMayNotGrowIsToldAndTheOldOneKept)
+{
+    ASSERT_EQ(run("qrx_sim --state lab.json -- true").value, 0);
+    const std::string before = content("lab.json");
+    const Outcome outcome = run("ulimit -f 4; qrx_sim --state lab.json -- qrx_sim ctl fail-drive 1");
+    EXPECT_EQ(outcome.value, 125);
+    EXPECT_EQ(outcome.error, "qrx_sim: --state: cannot write 'lab.json': File too large\n");
+    EXPECT_EQ(content("lab.json"), before);
+    const Outcome at_rest = run("ulimit -f 4; qrx_sim ctl --state lab.json fail-drive 1");
+    EXPECT_EQ(at_rest.value, 125);
+    EXPECT_THAT(at_rest.error, HasSubstr("cannot write 'lab.json': File too large\n"));
+    EXPECT_EQ(content("lab.json"), before);
+    EXPECT_EQ(run("ls").output, "err.txt\nlab.json\nout.txt\n");
+}
+
+TEST_F(QrxSim, ProgramsIgnoreTheSignalsThatTheyWouldIgnoreWithoutIt)
+{
+    const std::string bare = run("grep SigIgn /proc/self/status").output;
+    for (const std::string way : {"seccomp", "preload"}) {
+        EXPECT_EQ(run("qrx_sim --transport " + way + " -- grep SigIgn /proc/self/status").output, bare) << way;
+    }
+}
+
+TEST_F(QrxSim, ATraceThatMayNotGrowIsTold)
+{
+    const Outcome outcome = run("ulimit -f 1; qrx_sim --trace t.txt -- qrx_cli info -o hba >/dev/null");
+    EXPECT_EQ(outcome.value, 125);
+    EXPECT_EQ(outcome.error, "qrx_sim: --trace: cannot write all of it\n");
+    EXPECT_EQ(content("t.txt").size(), 512U);
+}
+
 TEST_F(QrxSim, TraceHasALineForEachCommand)
 {
     EXPECT_EQ(run(std::string("qrx_sim --trace t.txt -- ") + kIdentify).output, "0 517a\n");
