@@ -160,21 +160,28 @@ Verdict Controller::start_initialization(QRX_U32 id, QRX_U16 type)
     return Verdict::kGood;
 }
 
-Verdict Controller::start_media_patrol(QRX_U32 id)
+Verdict Controller::check_redundancy_work(QRX_U32 id, unsigned bit) const
 {
-    if (!adapter.raid() || (adapter.background >> kMediaPatrolBit & 1) == 0) {
+    if (!adapter.raid() || (adapter.background >> bit & 1) == 0) {
         return Verdict::kNotSupported;
     }
-    VirtualDisk* const vd = vd_of(id);
+    const VirtualDisk* const vd = find_virtual_disk(id);
     if (vd == nullptr) {
         return Verdict::kInvalidVd;
     }
     if (vd->activity) {
         return Verdict::kActivityRuns;
     }
-    if (!redundant(*vd)) {
-        return Verdict::kNotRedundant;
+    return redundant(*vd) ? Verdict::kGood : Verdict::kNotRedundant;
+}
+
+Verdict Controller::start_media_patrol(QRX_U32 id)
+{
+    const Verdict verdict = check_redundancy_work(id, kMediaPatrolBit);
+    if (verdict != Verdict::kGood) {
+        return verdict;
     }
+    VirtualDisk* const vd = vd_of(id);
     if (vd->status != kVdFunctional) {
         return Verdict::kNotFunctional;
     }
@@ -201,19 +208,11 @@ Verdict Controller::check_rebuild_target(const VirtualDisk& vd, QRX_U32 pd) cons
 
 Verdict Controller::start_rebuild(QRX_U32 id, QRX_U32 pd)
 {
-    if (!adapter.raid() || (adapter.background >> kRebuildBit & 1) == 0) {
-        return Verdict::kNotSupported;
+    Verdict verdict = check_redundancy_work(id, kRebuildBit);
+    if (verdict != Verdict::kGood) {
+        return verdict;
     }
     VirtualDisk* const vd = vd_of(id);
-    if (vd == nullptr) {
-        return Verdict::kInvalidVd;
-    }
-    if (vd->activity) {
-        return Verdict::kActivityRuns;
-    }
-    if (!redundant(*vd)) {
-        return Verdict::kNotRedundant;
-    }
     if (vd->status == kVdFunctional) {
         return Verdict::kFunctional;
     }
@@ -227,7 +226,7 @@ Verdict Controller::start_rebuild(QRX_U32 id, QRX_U32 pd)
     if (vd->status != kVdDegrade || place == vd->members.size()) {
         return Verdict::kNotFunctional;
     }
-    const Verdict verdict = check_rebuild_target(*vd, pd);
+    verdict = check_rebuild_target(*vd, pd);
     if (verdict != Verdict::kGood) {
         return verdict;
     }

@@ -105,6 +105,22 @@ int int_argument(QRX_U64 value)
     return static_cast<int>(static_cast<QRX_U32>(value));
 }
 
+// The reply to a call on a path, where the path alone tells it.
+std::optional<Reply> settled(const Resolution& at)
+{
+    switch (at.kind) {
+    case Resolution::Kind::native:
+        return pass_on();
+    case Resolution::Kind::hidden:
+        return fail(ENOENT);
+    case Resolution::Kind::real:
+        return std::nullopt;
+    case Resolution::Kind::overlay:
+        break;
+    }
+    return at.wants_directory && at.entry->kind != Kind::directory ? std::optional<Reply>(fail(ENOTDIR)) : std::nullopt;
+}
+
 }  // namespace
 
 CallServer::CallServer(Host& host) : host_(host), view_(view_of(host))
@@ -195,19 +211,12 @@ Reply CallServer::open(const Caller& caller, const Call& call)
 {
     const int flags = int_argument(call.arguments[2]);
     const Resolution at = look_up(caller, call.arguments[0], call.arguments[1], (flags & O_NOFOLLOW) == 0);
-    switch (at.kind) {
-    case Resolution::Kind::native:
-        return pass_on();
-    case Resolution::Kind::hidden:
-        return fail(ENOENT);
-    case Resolution::Kind::real:
+    if (std::optional<Reply> reply = settled(at)) {
+        return std::move(*reply);
+    }
+    if (at.kind == Resolution::Kind::real) {
         return hand_over(UniqueFd(::open(at.path.c_str(), flags | O_CLOEXEC, static_cast<mode_t>(call.arguments[3]))),
                          flags);
-    case Resolution::Kind::overlay:
-        break;
-    }
-    if (at.wants_directory && at.entry->kind != Kind::directory) {
-        return fail(ENOTDIR);
     }
     return open_entry(at, flags);
 }
@@ -239,16 +248,10 @@ Reply CallServer::stat_path(const Caller& caller, const Call& call)
         }
     }
     const Resolution at = look_up(caller, call.arguments[0], call.arguments[1], follow);
-    if (at.kind == Resolution::Kind::native) {
-        return pass_on();
-    }
-    if (at.kind == Resolution::Kind::hidden) {
-        return fail(ENOENT);
+    if (std::optional<Reply> reply = settled(at)) {
+        return std::move(*reply);
     }
     const bool overlay = at.kind == Resolution::Kind::overlay;
-    if (overlay && at.wants_directory && at.entry->kind != Kind::directory) {
-        return fail(ENOTDIR);
-    }
     struct stat status {};
     const std::string place = overlay ? tree_.place_of(at.path) : at.path;
     if (fstatat(AT_FDCWD, place.c_str(), &status, overlay || !follow ? AT_SYMLINK_NOFOLLOW : 0) != 0) {
@@ -285,16 +288,10 @@ Reply CallServer::statx_path(const Caller& caller, const Call& call)
         }
     }
     const Resolution at = look_up(caller, call.arguments[0], call.arguments[1], follow);
-    if (at.kind == Resolution::Kind::native) {
-        return pass_on();
-    }
-    if (at.kind == Resolution::Kind::hidden) {
-        return fail(ENOENT);
+    if (std::optional<Reply> reply = settled(at)) {
+        return std::move(*reply);
     }
     const bool overlay = at.kind == Resolution::Kind::overlay;
-    if (overlay && at.wants_directory && at.entry->kind != Kind::directory) {
-        return fail(ENOTDIR);
-    }
     const std::string place = overlay ? tree_.place_of(at.path) : at.path;
     const int how = (flags & ~AT_EMPTY_PATH) | (overlay ? AT_SYMLINK_NOFOLLOW : 0);
     if (::statx(AT_FDCWD, place.c_str(), how, mask, &status) != 0) {
@@ -311,18 +308,11 @@ Reply CallServer::access(const Caller& caller, const Call& call)
     const int mode = int_argument(call.arguments[2]);
     const int flags = int_argument(call.arguments[3]);
     const Resolution at = look_up(caller, call.arguments[0], call.arguments[1], (flags & AT_SYMLINK_NOFOLLOW) == 0);
-    switch (at.kind) {
-    case Resolution::Kind::native:
-        return pass_on();
-    case Resolution::Kind::hidden:
-        return fail(ENOENT);
-    case Resolution::Kind::real:
-        return faccessat(AT_FDCWD, at.path.c_str(), mode, 0) == 0 ? succeed() : fail(errno);
-    case Resolution::Kind::overlay:
-        break;
+    if (std::optional<Reply> reply = settled(at)) {
+        return std::move(*reply);
     }
-    if (at.wants_directory && at.entry->kind != Kind::directory) {
-        return fail(ENOTDIR);
+    if (at.kind == Resolution::Kind::real) {
+        return faccessat(AT_FDCWD, at.path.c_str(), mode, 0) == 0 ? succeed() : fail(errno);
     }
     const int error = check_access(*at.entry, mode);
     return error == 0 ? succeed() : fail(error);
@@ -331,11 +321,8 @@ Reply CallServer::access(const Caller& caller, const Call& call)
 Reply CallServer::readlink(const Caller& caller, const Call& call)
 {
     const Resolution at = look_up(caller, call.arguments[0], call.arguments[1], false);
-    if (at.kind == Resolution::Kind::native) {
-        return pass_on();
-    }
-    if (at.kind == Resolution::Kind::hidden) {
-        return fail(ENOENT);
+    if (std::optional<Reply> reply = settled(at)) {
+        return std::move(*reply);
     }
     const std::string place = at.kind == Resolution::Kind::overlay ? tree_.place_of(at.path) : at.path;
     std::array<QRX_U8, PATH_MAX> text{};
