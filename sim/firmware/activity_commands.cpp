@@ -160,7 +160,7 @@ Verdict Controller::start_initialization(QRX_U32 id, QRX_U16 type)
     return Verdict::kGood;
 }
 
-Verdict Controller::check_redundancy_work(QRX_U32 id, unsigned bit) const
+Verdict Controller::check_activity(QRX_U32 id, unsigned bit) const
 {
     if (!adapter.raid() || (adapter.background >> bit & 1) == 0) {
         return Verdict::kNotSupported;
@@ -169,15 +169,18 @@ Verdict Controller::check_redundancy_work(QRX_U32 id, unsigned bit) const
     if (vd == nullptr) {
         return Verdict::kInvalidVd;
     }
-    if (vd->activity) {
-        return Verdict::kActivityRuns;
-    }
-    return redundant(*vd) ? Verdict::kGood : Verdict::kNotRedundant;
+    return vd->activity ? Verdict::kActivityRuns : Verdict::kGood;
+}
+
+Verdict Controller::check_redundant_activity(QRX_U32 id, unsigned bit) const
+{
+    const Verdict verdict = check_activity(id, bit);
+    return verdict == Verdict::kGood && !redundant(*find_virtual_disk(id)) ? Verdict::kNotRedundant : verdict;
 }
 
 Verdict Controller::start_media_patrol(QRX_U32 id)
 {
-    const Verdict verdict = check_redundancy_work(id, kMediaPatrolBit);
+    const Verdict verdict = check_redundant_activity(id, kMediaPatrolBit);
     if (verdict != Verdict::kGood) {
         return verdict;
     }
@@ -208,7 +211,7 @@ Verdict Controller::check_rebuild_target(const VirtualDisk& vd, QRX_U32 pd) cons
 
 Verdict Controller::start_rebuild(QRX_U32 id, QRX_U32 pd)
 {
-    Verdict verdict = check_redundancy_work(id, kRebuildBit);
+    Verdict verdict = check_redundant_activity(id, kRebuildBit);
     if (verdict != Verdict::kGood) {
         return verdict;
     }
@@ -241,19 +244,11 @@ Verdict Controller::start_rebuild(QRX_U32 id, QRX_U32 pd)
 
 Verdict Controller::start_synchronization(QRX_U32 id)
 {
-    if (!adapter.raid() || (adapter.background >> kSynchronizationBit & 1) == 0) {
-        return Verdict::kNotSupported;
+    const Verdict verdict = check_redundant_activity(id, kSynchronizationBit);
+    if (verdict != Verdict::kGood) {
+        return verdict;
     }
     VirtualDisk* const vd = vd_of(id);
-    if (vd == nullptr) {
-        return Verdict::kInvalidVd;
-    }
-    if (vd->activity) {
-        return Verdict::kActivityRuns;
-    }
-    if (!redundant(*vd)) {
-        return Verdict::kNotRedundant;
-    }
     if (vd->status != kVdFunctional) {
         return Verdict::kNotFunctional;
     }

@@ -258,9 +258,10 @@ private:
     Verdict start_drive_patrol(QRX_U32 pd);
     Verdict control_vd_activity(QRX_U32 vd, QRX_U16 operation);
     Verdict control_pd_activity(QRX_U32 pd, QRX_U16 operation);
-    // Whether a virtual disk may be patrolled or rebuilt at all; `bit` is that of the activity in the adapter's
-    // features.
-    [[nodiscard]] Verdict check_redundancy_work(QRX_U32 vd, unsigned bit) const;
+    // Whether a virtual disk may begin an activity at all; `bit` is the one that it has in the adapter's mask. The
+    // second is for those that need redundancy.
+    [[nodiscard]] Verdict check_activity(QRX_U32 vd, unsigned bit) const;
+    [[nodiscard]] Verdict check_redundant_activity(QRX_U32 vd, unsigned bit) const;
     [[nodiscard]] Verdict check_rebuild_target(const VirtualDisk& vd, QRX_U32 pd) const;
     void start_activity(VirtualDisk& vd, QRX_U8 type);
     void finish_activity(VirtualDisk& vd);

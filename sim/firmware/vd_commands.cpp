@@ -156,16 +156,11 @@ Verdict Controller::create_vd(VirtualDiskPlan plan)
 Verdict Controller::start_migration(QRX_U32 id, QRX_U8 raid_mode, std::span<const QRX_U16> members)
 {
     constexpr unsigned kMigrationBit = 3;  // of the adapter's mask of background activities
-    if (!adapter.raid() || (adapter.background >> kMigrationBit & 1) == 0) {
-        return Verdict::kNotSupported;
+    Verdict verdict = check_activity(id, kMigrationBit);
+    if (verdict != Verdict::kGood) {
+        return verdict;
     }
     VirtualDisk* const vd = vd_of(id);
-    if (vd == nullptr) {
-        return Verdict::kInvalidVd;
-    }
-    if (vd->activity) {
-        return Verdict::kActivityRuns;
-    }
     if (vd->status != kVdFunctional) {
         return Verdict::kNotFunctional;
     }
@@ -180,7 +175,7 @@ Verdict Controller::start_migration(QRX_U32 id, QRX_U8 raid_mode, std::span<cons
         return Verdict::kInvalidPdCount;
     }
     QRX_U64 share = 0;
-    const Verdict verdict = check_members(members, vd, share);
+    verdict = check_members(members, vd, share);
     if (verdict != Verdict::kGood) {
         return verdict;
     }
