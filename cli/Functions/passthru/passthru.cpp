@@ -14,11 +14,10 @@ namespace {
 
 using qrx::passthru::Wish;
 
-qrx::AdminCommand commandOf(const qrx::OptionScan& scan, const Wish& wish)
+qrx::AdminCommand commandOf(const qrx::OptionScan& scan, const Wish& wish, const qrx::passthru::Tunnel& tunnel)
 {
     const QRX_U32 dword0 = wish.opcode | wish.fuse << 8U | wish.psdt << 14U;
-    qrx::AdminCommand command =
-        wish.reads ? qrx::tunnelFromDrive(wish.disk, dword0) : qrx::tunnelToDrive(wish.disk, dword0);
+    qrx::AdminCommand command = qrx::tunnelBy(wish.reads ? tunnel.fromDrive : tunnel.toDrive, wish.disk, dword0);
     for (const auto& [letter, index] : qrx::passthru::kWords) {
         if (scan.has(letter)) {
             command.word(index, wish.words[index]);
@@ -107,32 +106,39 @@ void _showCommandFormat(const _qrx_admin_command_format& pCmd, std::span<const Q
 
 int doPassthru(int argc, char** argv, PCommand_Info pCmdInfo)
 {
-    qrx::OptionScan scan(argc, argv, qrx::passthru::kLetters, qrx::passthru::kLong);
+    return qrx::passthru::run(argc, argv, pCmdInfo, {kTunnelFromDrive, kTunnelToDrive, false});
+}
+
+int qrx::passthru::run(int argc, char** argv, PCommand_Info row, const Tunnel& tunnel)
+{
+    OptionScan scan(argc, argv, kLetters, kLong);
     Wish wish;
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, qrx::passthru::kKnown, 0, [&](int letter) {
-            return qrx::passthru::read(letter, scan.word(), wish);
-        })) {
+    if (const auto result =
+            readOptions(scan, row, kKnown, 0, [&](int letter) { return read(letter, scan.word(), wish); })) {
         return *result;
     }
-    if (scan.repeated(qrx::passthru::kOnce)) {
-        return qrx::duplicateOption(0);
+    if (scan.repeated(kOnce)) {
+        return duplicateOption(0);
     }
     if (!scan.has('i')) {
-        return qrx::optionRequired(pCmdInfo, 'i');
+        return optionRequired(row, 'i');
     }
     if (!scan.has('r') || !scan.has('o')) {
-        return qrx::optionRequired(pCmdInfo, 'r');  // -o is asked for by the letter of -r too
+        return optionRequired(row, 'r');  // -o is asked for by the letter of -r too
     }
-    std::array<QRX_U8, qrx::wire::kPageSize> page{};
+    std::array<QRX_U8, wire::kPageSize> page{};
     if (wish.length < 0 || wish.length > static_cast<int>(page.size())) {
-        return lengthRefused(pCmdInfo, wish.lengthWord);
+        return lengthRefused(row, wish.lengthWord);
     }
     const std::span data =
         scan.has('d') ? std::span<QRX_U8>(page).first(static_cast<std::size_t>(wish.length)) : std::span<QRX_U8>();
-    const qrx::AdminCommand command = commandOf(scan, wish);
+    const AdminCommand command = commandOf(scan, wish, tunnel);
+    if (tunnel.showsOpcode) {
+        print("CDW[0]: 0x%x\n", command.record().CDW[0]);
+    }
     if (scan.has('s')) {
         _showCommandFormat(command.record(), data);
     }
     command.debug();
-    return wish.reads ? receive(pCmdInfo, wish, command, data) : transmit(pCmdInfo, wish, command, data);
+    return wish.reads ? receive(row, wish, command, data) : transmit(row, wish, command, data);
 }

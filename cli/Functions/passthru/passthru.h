@@ -1,4 +1,4 @@
-// `passthru`: any admin command of the NVMe standard to a drive behind the controller.
+// `passthru`, and what its kin is made of: any admin command of the NVMe standard to a drive behind the controller.
 #pragma once
 
 #include <span>
@@ -10,6 +10,20 @@
 extern const char passthru_help[];
 
 int doPassthru(int argc, char** argv, PCommand_Info pCmdInfo);
+
+namespace qrx::passthru {
+
+// A tunnel to the drives.
+struct Tunnel {
+    QRX_U32 fromDrive;  // its opcodes, by the way of the data
+    QRX_U32 toDrive;
+    bool showsOpcode;  // on every run
+};
+
+// The command, whole.
+int run(int argc, char** argv, PCommand_Info row, const Tunnel& tunnel);
+
+}  // namespace qrx::passthru
 
 // Prints CDW0 to CDW15 as they go out. The data's address (its low 32 bits) and length stand in the place of words 7
 // and 9, as the driver will see them.

@@ -110,15 +110,6 @@ bool number(const char* word, Field& field, const char* name)
     return take(readHexOrNumber(word), field) || complain("%s should be a decimal or hexadecimal\n", name);
 }
 
-bool disk(const char* word, Wish& wish)
-{
-    const auto typed = readNumber(word);
-    if (!typed) {
-        return complain("-i: SSD backend RC/Slot ID should be a number\n");
-    }
-    return take(readId(word), wish.disk) || complain("-i : invalid SSD backend RC/Slot ID '%s'.\n", word);
-}
-
 // Alone among the numbers, a hexadecimal one may take all 32 bits.
 bool nsid(const char* word, Wish& wish)
 {
@@ -137,13 +128,22 @@ bool word(char letter, const char* text, Wish& wish)
 
 }  // namespace
 
+bool readDisk(const char* word, QRX_U32& disk)
+{
+    const auto typed = readNumber(word);
+    if (!typed) {
+        return complain("-i: SSD backend RC/Slot ID should be a number\n");
+    }
+    return take(readId(word), disk) || complain("-i : invalid SSD backend RC/Slot ID '%s'.\n", word);
+}
+
 bool read(int letter, const char* text, Wish& wish)
 {
     switch (letter) {
     case 't':
         return keyword(text, kActions) || complain("-t : invalid action '%s'\n", text);
     case 'i':
-        return disk(text, wish);
+        return readDisk(text, wish.disk);
     case 'r':
         return take(keyword(text, kRequests), wish.reads) || complain("-r : invalid request '%s'\n", text);
     case 'p':

@@ -1,4 +1,4 @@
-// The options of `passthru`.
+// The options of `passthru` and its kin.
 #pragma once
 
 #include <array>
@@ -36,6 +36,9 @@ struct Wish {
     OutputFile output;
     InputFile input;
 };
+
+// Stores the id of a disk, 0-based; false after a complaint.
+bool readDisk(const char* word, QRX_U32& disk);
 
 // Stores the option's argument, and opens its file; false after a complaint. That a file cannot be opened is told when
 // it is to be used.

@@ -1,13 +1,9 @@
 // `dumphba`: the controller's stored settings, as bytes, in a file, or some of them in words.
 #include "cli/Functions/simple/simple_dumphba.h"
 
-#include <array>
-
-#include "cli/Public/frame/admin_command.h"
-#include "cli/Public/frame/handler.h"
+#include "cli/Functions/simple/page_dump.h"
 #include "cli/Public/frame/lines.h"
-#include "cli/Public/frame/output_file.h"
-#include "cli/Public/utility.h"
+#include "cli/Public/frame/report.h"
 
 const char simple_dumphba_help[] =
     "\n"
@@ -32,18 +28,6 @@ const char simple_dumphba_help[] =
 
 namespace {
 
-constexpr char kOutputFile = '1';
-
-constexpr char kLetters[] = "1:a:\x01:h";
-constexpr option kLong[] = {
-    {"outputfile", required_argument, nullptr, kOutputFile},
-    {"action", required_argument, nullptr, 'a'},
-    qrx::kOutputRow,
-    qrx::kHelpRow,
-    qrx::kEndRow,
-};
-
-constexpr qrx::Keyword kActions[] = {{"show", 0}};
 constexpr QRX_U8 kSubReadHbaInfo = 0x0F;
 constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
 
@@ -53,24 +37,11 @@ const char* onOff(QRX_U8 value)
 }
 
 // What the command ends with when there is no file to write to: the length of what is said of it.
-int refuseFile()
-{
-    constexpr char kMissing[] = "File is not exist.\n";
-    return qrx::refuse(sizeof(kMissing) - 1, kMissing);
-}
+constexpr int kMissingFile = 19;
 
-// Shows the page, or fills the file with it. False when the file is not whole.
-bool deliver(std::span<const QRX_U8, qrx::wire::kPageSize> page, qrx::OutputFile& output, bool readable)
+void show(std::span<const QRX_U8, qrx::wire::kPageSize> page)
 {
-    if (output.isNamed()) {
-        return output.write(page) && output.close();
-    }
-    if (readable) {
-        _showSpecificData(*qrx::wire::read<_hba_info>(page));
-    } else {
-        _showRAWData(page.data(), static_cast<int>(page.size()));
-    }
-    return true;
+    _showSpecificData(*qrx::wire::read<_hba_info>(page));
 }
 
 }  // namespace
@@ -96,32 +67,6 @@ void _showSpecificData(const _hba_info& info)
 
 int doSDUMPHBA(int argc, char** argv, PCommand_Info pCmdInfo)
 {
-    qrx::OutputFile output;
-    qrx::OptionScan scan(argc, argv, kLetters, kLong);
-    if (const auto result = qrx::passOptions(scan, pCmdInfo, "1a", 0, [&](int letter) {
-            if (letter == kOutputFile) {
-                (void)output.open(scan.word());  // a failure is told when all options are good
-                return true;
-            }
-            return qrx::keyword(scan.word(), kActions) || qrx::complain("-a : invalid action '%s'.\n", scan.word());
-        })) {
-        return *result;
-    }
-    if (scan.repeated("a")) {
-        return qrx::duplicateOption();
-    }
-    if (output.isNamed() && !output.isOpen()) {
-        return refuseFile();
-    }
     const auto command = qrx::vendorCommand(kGroupAdapter, kSubReadHbaInfo).word(10, kWholePage);
-    command.debug();
-    std::array<QRX_U8, qrx::wire::kPageSize> page{};
-    if (const int status = command.receive(page)) {
-        return qrx::refuse(status, "\nUnable to dump NVMe Controller info from NVMe Controller %d\n", gCurrentAdapter);
-    }
-    if (!deliver(page, output, scan.has('a'))) {
-        return output.refuse(pCmdInfo);
-    }
-    qrx::print("cmd success\n");
-    return 0;
+    return qrx::dumpPage(argc, argv, pCmdInfo, {command, show, kMissingFile});
 }

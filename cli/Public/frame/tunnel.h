@@ -16,8 +16,12 @@ namespace qrx {
 AdminCommand tunnelFromDrive(QRX_U32 disk, QRX_U32 dword0);  // data comes from the drive
 AdminCommand tunnelToDrive(QRX_U32 disk, QRX_U32 dword0);    // data goes to the drive, or there is none
 
+// The same through a tunnel of its own opcode.
+AdminCommand tunnelBy(QRX_U32 opcode, QRX_U32 disk, QRX_U32 dword0);
+
 // Opcodes of the drive, of the NVMe standard.
 inline constexpr QRX_U8 kDriveGetLogPage = 0x02;
+inline constexpr QRX_U8 kDriveIdentify = 0x06;
 inline constexpr QRX_U8 kDriveFormat = 0x80;
 
 }  // namespace qrx

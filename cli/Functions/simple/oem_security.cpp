@@ -1,0 +1,48 @@
+// What the OEM security commands have in common.
+#include "cli/Functions/simple/oem_security.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+#include "cli/Public/frame/number.h"
+#include "cli/Public/frame/report.h"
+
+namespace qrx::security {
+
+AdminCommand command(QRX_U16 which)
+{
+    return vendorCommand(kGroupSecurity, kSubSecurity, which);
+}
+
+bool readDrive(const char* word, QRX_U16& drive, const char* notNumber)
+{
+    const auto id = readId(word);
+    if (!id) {
+        return complain("%s", notNumber);
+    }
+    // Cut to its half of the word, it would be another drive.
+    return take(*id <= std::numeric_limits<QRX_U16>::max() ? id : std::nullopt, drive) ||
+           complain("-i : invalid PD id '%s'\n", word);
+}
+
+char firstMissing(const OptionScan& scan, std::string_view letters)
+{
+    const auto* const found =
+        std::find_if(letters.begin(), letters.end(), [&scan](char letter) { return !scan.has(letter); });
+    return found == letters.end() ? '\0' : *found;
+}
+
+int tell(int status, const char* what)
+{
+    return status == 0 ? refuse(0, "cmd success\n")
+                       : refuse(status, "\nUnable to %s from NVMe Controller %d\n", what, gCurrentAdapter);
+}
+
+int set(const AdminCommand& command, const char* what)
+{
+    command.debug();
+    return tell(command.send(), what);
+}
+
+}  // namespace qrx::security
