@@ -48,7 +48,11 @@ NVME_PD_Info Controller::pd_record(const Drive& drive) const
 {
     const bool patrolled = std::any_of(virtual_disks.begin(), virtual_disks.end(),
                                        [&](const VirtualDisk& vd) { return vd.uses(drive.id) && vd.patrolling(); });
-    return drive.record(assigned(drive.id), patrolled);
+    NVME_PD_Info record = drive.record(assigned(drive.id), patrolled);
+    if (security.hide_temperature) {
+        std::fill(std::begin(record.Temperature), std::end(record.Temperature), QRX_U8{0});
+    }
+    return record;
 }
 
 NVME_VD_Info Controller::vd_record(const VirtualDisk& vd) const

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "api/src/interface/wire/command.h"
+#include "api/src/interface/wire/security.h"
 #include "sim/firmware/adapter.h"
 #include "sim/firmware/board.h"
 #include "sim/firmware/child_controllers.h"
@@ -25,6 +26,7 @@
 #include "sim/firmware/pcie_interface.h"
 #include "sim/firmware/rate_limits.h"
 #include "sim/firmware/result.h"
+#include "sim/firmware/security.h"
 #include "sim/firmware/spi_log.h"
 #include "sim/firmware/virtual_disk.h"
 #include "sim/firmware/vpd.h"
@@ -49,15 +51,16 @@ public:
     // Host functions: two physical ones and the virtual ones behind them.
     static constexpr QRX_U16 kHostFunctions = 34;
     static constexpr QRX_U16 kFirstVirtualFunction = 2;
-    static constexpr std::array<QRX_U8, 9> kVendorOpcodes{kPairSend,
-                                                          kPairReceive,
-                                                          static_cast<QRX_U8>(kVendorRead),
-                                                          static_cast<QRX_U8>(kVendorWrite),
-                                                          static_cast<QRX_U8>(kTunnelFromDrive),
-                                                          static_cast<QRX_U8>(kTunnelToDrive),
-                                                          kMfndControl,
-                                                          kMfndManage,
-                                                          kMfndQuery};
+    static constexpr std::array<QRX_U8, 10> kVendorOpcodes{kPairSend,
+                                                           kPairReceive,
+                                                           static_cast<QRX_U8>(kVendorRead),
+                                                           static_cast<QRX_U8>(kVendorWrite),
+                                                           static_cast<QRX_U8>(kTunnelFromDrive),
+                                                           static_cast<QRX_U8>(kTunnelToDrive),
+                                                           kMfndControl,
+                                                           kMfndManage,
+                                                           kMfndQuery,  // and ATA commands of drives
+                                                           static_cast<QRX_U8>(kSataToDrive)};
     // Asks for every namespace table of a drive.
     static constexpr QRX_U16 kAllTables = 255;
 
@@ -75,6 +78,7 @@ public:
     ManagementEndpoint endpoint;
     HostFunctions host_functions;
     ChildControllers children;
+    Security security;
     std::vector<PcieInterface> interfaces;  // those that differ from a fresh one, in order of id
     EventList events;
     EventRing ring;
@@ -165,6 +169,14 @@ private:
     [[nodiscard]] nvm_subsystem_health_data_structure subsystem_health() const;
     Completion management_admin(const nvmemi_message_header& header, std::span<const QRX_U8> message);
     Completion management_tunnel(const nvmemi_message_header& header, const nvme_admin_cmd& inner);
+    // The tunnel for ATA commands, the security commands, and two switches.
+    Completion sata_tunnel(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    Completion security_command(const nvme_admin_cmd& command, std::span<QRX_U8> data);
+    Verdict provide_help(QRX_U32 bitmap);
+    Verdict acknowledge(QRX_U16 drive, QRX_U32 flags);
+    Verdict set_security(QRX_U32 subject, QRX_U32 flag);
+    Verdict hide_temperature(QRX_U16 on);
+    Verdict switch_eeprom(QRX_U32 on);
     // What lay on the drive is gone: its place in a virtual disk, its namespaces, what others left on it.
     void forget_contents(Drive& drive);
     // Takes over a raw image that a host has sent, before its commit.

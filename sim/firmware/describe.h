@@ -41,6 +41,8 @@ void describe(Io& io, HostFunctions& functions);
 template <class Io>
 void describe(Io& io, ChildControllers& children);
 template <class Io>
+void describe(Io& io, Security& security);
+template <class Io>
 void describe(Io& io, PcieInterface& interface, const Controller& controller);
 template <class Io>
 void describe(Io& io, ConfigSpace& space);

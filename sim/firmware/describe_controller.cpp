@@ -133,6 +133,7 @@ void describe(Io& io, Controller& controller, const Machine::Parts& machine)
     io.object("endpoint",
               [&](auto& inner) { inner.bytes("answer", controller.endpoint.answer, ManagementEndpoint::kAnswerMax); });
     io.object("child_controllers", [&](auto& inner) { describe(inner, controller.children); });
+    io.object("security", [&](auto& inner) { describe(inner, controller.security); });
     io.object("mailbox", [&](auto& inner) { describe(inner, controller.mailbox); });
     io.object("events", [&](auto& inner) { describe(inner, controller.events); });
     io.object("event_ring", [&](auto& inner) { describe(inner, controller.ring); });

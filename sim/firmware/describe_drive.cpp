@@ -76,6 +76,7 @@ void describe(Io& io, Drive& drive, const Controller& controller)
     io.number("nsid", drive.nsid, 0, kAny16);
     describe_device(io, drive, true);
     describe_own_namespaces(io, drive);
+    io.flag("sata", drive.sata);
     io.flag("failed", drive.failed);
     io.flag("importable", drive.importable);
     if (Io::kReads) {

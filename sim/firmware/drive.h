@@ -35,7 +35,8 @@ public:
     QRX_U16 id = 0;
     QRX_U32 sector_size = 512;  // bytes
     QRX_U64 sectors = 1875385008;
-    QRX_U16 nsid = 1;  // namespace on the drive itself that the controller uses
+    QRX_U16 nsid = 1;   // namespace on the drive itself that the controller uses
+    bool sata = false;  // it takes ATA commands, and none of NVMe
     bool failed = false;
     bool importable = false;
     ConfigSpace config_space;

@@ -7,6 +7,7 @@
 #include "api/src/interface/wire/command.h"
 #include "api/src/interface/wire/mfnd.h"
 #include "api/src/interface/wire/mi.h"
+#include "api/src/interface/wire/security.h"
 
 namespace qrx::sim {
 
@@ -49,6 +50,7 @@ constexpr auto kAdminNames = std::to_array<Name>({
     {kMfndControl, "child-control"},
     {kMfndManage, "child-manage"},
     {kMfndQuery, "child-query"},
+    {kSataToDrive, "sata-to-drive"},
     {kVendorRead, "vendor-read"},
 });
 
@@ -104,9 +106,12 @@ constexpr auto kVendorNames = std::to_array<Name>({
     {vendor::kReadIdleWindows, "read-idle-windows"},
     {vendor::kSwitchPorts, "switch-ports"},
     {vendor::kReadIoQueues, "read-io-queues"},
+    {vendor::kHideTemperature, "hide-temperature"},
     {vendor::kReadErrorStatus, "read-error-status"},
     {vendor::kClearErrorStatus, "clear-error-status"},
     {vendor::kCrash, "crash"},
+    {vendor::kSetEeprom, "set-eeprom"},
+    {vendor::kGetEeprom, "get-eeprom"},
     {vendor::kDelay, "delay"},
     {vendor::kReadPdInfo, "read-pd-info"},
     {vendor::kLedOfRootComplex, "led-root-complex"},
@@ -130,6 +135,7 @@ constexpr auto kVendorNames = std::to_array<Name>({
     {vendor::kCreateNs, "create-ns"},
     {vendor::kReadNsSharing, "read-ns-sharing"},
     {vendor::kReadNsHealth, "ns-smart-log"},
+    {vendor::kSecurity, "security"},
     {vendor::kReadLog, "read-spi-log"},
     {vendor::kReadLogStatus, "read-log-status"},
     {vendor::kSwitchLog, "log-switch"},

@@ -21,6 +21,9 @@ Completion Controller::tunnel(const nvme_admin_cmd& command, std::span<QRX_U8> d
     if (drive->failed) {
         return complete(Verdict::kFailed);
     }
+    if (drive->sata) {
+        return complete(Verdict::kNotSupported);
+    }
     const bool wrong_way = from_drive ? data_to_device(opcode) : data_from_device(opcode);
     if (wrong_way || (command.cdw14 & kFuseAndPsdt) != 0) {
         return complete(status::kInvalidField);

@@ -77,7 +77,9 @@ Completion Controller::vendor_command(const nvme_admin_cmd& command, std::span<Q
     case kMfndControl:
     case kMfndManage:
     case kMfndQuery:
-        return is_child_command(command) ? child_command(command, data) : complete(status::kInvalidField);
+        return is_child_command(command) ? child_command(command, data) : sata_tunnel(command, data);
+    case kSataToDrive:
+        return sata_tunnel(command, data);
     default:
         return complete(status::kInvalidOpcode);
     }
@@ -124,6 +126,10 @@ Completion Controller::vendor_read(const nvme_admin_cmd& command, std::span<QRX_
         return read_namespace_health(argument, data);
     case vendor::kGetInverse:
         return get_inverse(data);
+    case vendor::kGetEeprom:
+        return reply_with(data, QRX_U32{security.eeprom ? 1U : 0U});
+    case vendor::kSecurity:
+        return security_command(command, data);
     case vendor::kReadLog:
         return read_log(spi_console(), data);
     case vendor::kReadLogStatus:
@@ -197,6 +203,10 @@ std::optional<Verdict> Controller::carry_out(const nvme_admin_cmd& command)
         return test_i2c(static_cast<QRX_U8>(argument));
     case vendor::kSetRateLimits:
         return set_rate_limits(argument, command.cdw13, command.cdw14);
+    case vendor::kHideTemperature:
+        return hide_temperature(argument);
+    case vendor::kSetEeprom:
+        return switch_eeprom(command.cdw14);
     case vendor::kSetInverse:
         return set_inverse(static_cast<QRX_U8>(argument));
     case vendor::kLedOfRootComplex:
