@@ -4,6 +4,8 @@
     /usr/bin/python3 house.py text <root>            no tab, no trailing blank, a line end at the end
     /usr/bin/python3 house.py format <root>          what clang-format would change
     /usr/bin/python3 house.py handlers <root> <qrx_cli>   every handler is in the program, with a table row or without
+    /usr/bin/python3 house.py commands <root> <qrx_cli>   docs/architecture.md lists every command, and each is in the program
+    /usr/bin/python3 house.py list <root>                 prints that list as it should stand there
 
 Each breach is a line on standard output; the exit value is 1 when there is one.
 """
@@ -125,15 +127,22 @@ def check_format(root):
 HANDLER = re.compile(r"^int (do\w+)\(int \w+, char\*\* \w+, (?:PCommand_Info|Command_Info\*) \w+\)", re.MULTILINE)
 
 
+def linked_handlers(program):
+    """Returns the names of the handlers that the program holds."""
+    symbols = subprocess.run(["nm", "-C", program], check=True, capture_output=True, text=True).stdout
+    return set(re.findall(r" [Tt] (do\w+)\(int, char\*\*, _cmd_struct\*\)", symbols))
+
+
+def defined_handlers(root):
+    """Returns {handler: its source}."""
+    return {handler: name for name in files(root, (".cpp",)) if name.startswith("cli/")
+            for handler in HANDLER.findall((root / name).read_text(encoding="utf-8"))}
+
+
 def check_handlers(root, program):
     """Every handler that the sources define is linked into the program, with a table row or without."""
-    symbols = subprocess.run(["nm", "-C", program], check=True, capture_output=True, text=True).stdout
-    linked = set(re.findall(r" [Tt] (do\w+)\(int, char\*\*, _cmd_struct\*\)", symbols))
-    defined = {}
-    for name in files(root, (".cpp",)):
-        if name.startswith("cli/"):
-            for handler in HANDLER.findall((root / name).read_text(encoding="utf-8")):
-                defined[handler] = name
+    linked = linked_handlers(program)
+    defined = defined_handlers(root)
     if not defined:
         yield "no handler was found in cli/"
     for handler, name in defined.items():
@@ -141,10 +150,67 @@ def check_handlers(root, program):
             yield f"{name}: {handler} is not in the program"
 
 
-CHECKS = {"includes": check_includes, "text": check_text, "format": check_format, "handlers": check_handlers}
+# Where the rows of commands are: file, and how a user of the program reaches them.
+TABLES = (("cli/qxsetup/command_table.cpp", None), ("tests/program/rows_*.cpp", "tests"))
+ROW = re.compile(r'commandRow\(\s*"([^"]+)",\s*(do\w+),')
+LIST_HOME = "docs/architecture.md"
+LIST_HEAD = ("| command | reached | handler | file |", "|---|---|---|---|")
+
+
+def command_list(root):
+    """Yields the line of each row of the tables, product first, and of each handler that has none."""
+    defined = defined_handlers(root)
+    without = dict(defined)
+    for pattern, reached in TABLES:
+        for path in sorted(root.glob(pattern)):
+            text = path.read_text(encoding="utf-8")
+            hidden = text.find("hiddenCmdTableV1[]")
+            for row in ROW.finditer(text):
+                how = reached or ("hidden" if 0 <= hidden < row.start() else "listed")
+                without.pop(row[2], None)
+                yield f"| `{row[1]}` | {how} | `{row[2]}` | `{defined.get(row[2], 'no source')}` |"
+    for handler, name in without.items():
+        yield f"| | never | `{handler}` | `{name}` |"
+
+
+def check_commands(root, program):
+    """The list of commands in the documents is that of the sources, and each of its handlers is in the program."""
+    lines = (root / LIST_HOME).read_text(encoding="utf-8").splitlines()
+    if LIST_HEAD[0] not in lines:
+        yield f"{LIST_HOME}: the list of commands is missing"
+        return
+    first = lines.index(LIST_HEAD[0]) + len(LIST_HEAD)
+    told = []
+    for line in lines[first:]:
+        if not line.startswith("|"):
+            break
+        told.append(line)
+    expected = list(command_list(root))
+    for line in expected:
+        if line not in told:
+            yield f"{LIST_HOME}: missing: {line}"
+    for line in told:
+        if line not in expected:
+            yield f"{LIST_HOME}: not so: {line}"
+    if not told:
+        yield f"{LIST_HOME}: an empty list of commands"
+    elif told != expected and sorted(told) == sorted(expected):
+        yield f"{LIST_HOME}: the list of commands is not in the order of the tables"
+    linked = linked_handlers(program)
+    for line in told:
+        handler = line.split("`")[-4]
+        if handler not in linked:
+            yield f"{LIST_HOME}: {handler} is not in the program"
+
+
+CHECKS = {"includes": check_includes, "text": check_text, "format": check_format, "handlers": check_handlers,
+          "commands": check_commands}
 
 
 def main():
+    if sys.argv[1] == "list":
+        print("\n".join([*LIST_HEAD, *command_list(pathlib.Path(sys.argv[2]))]))
+        return 0
     breaches = list(CHECKS[sys.argv[1]](pathlib.Path(sys.argv[2]), *sys.argv[3:]))
     for breach in breaches:
         print(breach)

@@ -3,6 +3,7 @@ import pathlib
 import sys
 import tempfile
 import unittest
+import unittest.mock
 
 sys.dont_write_bytecode = True
 import house
@@ -71,6 +72,38 @@ class House(unittest.TestCase):
         self.assertEqual(self.breaches(house.check_text, {"a.md": "one\ttwo\nthree \nfour"}),
                          ["a.md:1: a tab", "a.md:2: a blank at the end of the line", "a.md: no line end at the end"])
         self.assertEqual(self.breaches(house.check_text, {"a.md": "one\n", "tests/cli/a.transcript": "blank \n"}), [])
+
+    TREE = {
+        "cli/Functions/a.cpp": "int doA(int argc, char** argv, PCommand_Info pCmdInfo)\n{}\n",
+        "cli/Functions/b.cpp": "int doB(int argc, char** argv, PCommand_Info pCmdInfo)\n{}\n",
+        "cli/Functions/c.cpp": "int doC(int argc, char** argv, PCommand_Info pCmdInfo)\n{}\n",
+        "cli/qxsetup/command_table.cpp": 'general[] = {commandRow("a", doA, h, s)};\n'
+                                         'Command_Info hiddenCmdTableV1[] = {commandRow("aa", doA, h, s)};\n',
+        "tests/program/rows_b.cpp": 'commandRow(\n    "b", doB, h, s)\n',
+    }
+    LIST = ("| `a` | listed | `doA` | `cli/Functions/a.cpp` |", "| `aa` | hidden | `doA` | `cli/Functions/a.cpp` |",
+            "| `b` | tests | `doB` | `cli/Functions/b.cpp` |", "| | never | `doC` | `cli/Functions/c.cpp` |")
+
+    def commands(self, lines, linked=("doA", "doB", "doC")):
+        """What is said of a project with these lines in its list of commands, and these handlers in its program."""
+        with unittest.mock.patch.object(house, "linked_handlers", lambda program: set(linked)):
+            text = "\n".join(["Text.", *house.LIST_HEAD, *lines, "", "| not | of | the | list |"])
+            return self.breaches(lambda root: house.check_commands(root, "program"),
+                                 {**self.TREE, house.LIST_HOME: text + "\n"})
+
+    def test_the_list_of_commands_is_that_of_the_tables(self):
+        self.assertEqual(self.commands(self.LIST), [])
+        self.assertEqual(self.commands(self.LIST[1:]), [f"docs/architecture.md: missing: {self.LIST[0]}"])
+        self.assertEqual(self.commands([*self.LIST, "| `d` | listed | `doA` | `cli/d.cpp` |"]),
+                         ["docs/architecture.md: not so: | `d` | listed | `doA` | `cli/d.cpp` |"])
+        self.assertEqual(self.commands(self.LIST[::-1]),
+                         ["docs/architecture.md: the list of commands is not in the order of the tables"])
+        self.assertEqual(self.breaches(lambda root: house.check_commands(root, "program"),
+                                       {**self.TREE, house.LIST_HOME: "Text.\n"}),
+                         ["docs/architecture.md: the list of commands is missing"])
+
+    def test_a_handler_of_the_list_that_the_program_lacks_is_seen(self):
+        self.assertEqual(self.commands(self.LIST, ("doA", "doB")), ["docs/architecture.md: doC is not in the program"])
 
 
 if __name__ == "__main__":
