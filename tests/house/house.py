@@ -124,7 +124,7 @@ def check_format(root):
         yield from [f"{name}: run clang-format -i on it" for name in wrong] or [done.stderr]
 
 
-HANDLER = re.compile(r"^int (do\w+)\(int \w+, char\*\* \w+, (?:PCommand_Info|Command_Info\*) \w+\)", re.MULTILINE)
+HANDLER = re.compile(r"^int (do\w+)\(int [^,]+, char\*\* [^,]+, (?:PCommand_Info|Command_Info\*) [^)]+\)$", re.MULTILINE)
 
 
 def linked_handlers(program):
