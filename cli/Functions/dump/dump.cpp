@@ -10,9 +10,10 @@
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/output_file.h"
 
-const char dump_help[] = R"(
-dump -a <get|set -d <on|off> |show [--outputfile=halix_log.txt] > [-h] 
-
+const char dump_help[] =
+    "\n"
+    "dump -a <get|set -d <on|off> |show [--outputfile=halix_log.txt] > [-h] \n"
+    R"(
 Options:
     -a,  --action <get|set|show>
            get, show whether the debug console is written

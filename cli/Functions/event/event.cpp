@@ -16,9 +16,10 @@
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/one_option.h"
 
-const char event_help[] = R"(
-event [-c <count>] [-h] 
-
+const char event_help[] =
+    "\n"
+    "event [-c <count>] [-h] \n"
+    R"(
 Options:
     -c,  --count <count>
          If count is zero, it will show all events.
