@@ -44,6 +44,7 @@ void mark(std::vector<QRX_U8>& block, QRX_U16 drive, bool first, bool second)
 std::vector<QRX_U16> ids_of(const std::vector<Drive>& drives)
 {
     std::vector<QRX_U16> ids;
+    ids.reserve(drives.size());
     for (const Drive& drive : drives) {
         ids.push_back(drive.id);
     }

@@ -37,7 +37,13 @@ Completion Controller::tunnel(const nvme_admin_cmd& command, std::span<QRX_U8> d
     inner.cdw11 = command.cdw11;
     inner.cdw12 = command.cdw12;
     inner.cdw13 = command.cdw13;
+    // A hidden temperature is hidden in what the drive tells of its health, too.
+    const QRX_U16 temperature = drive->health.temperature;
+    if (security.hide_temperature) {
+        drive->health.temperature = 0;
+    }
     const Completion completion = drive->execute_admin(inner, data);
+    drive->health.temperature = temperature;
     const bool deletes = opcode == admin::kNamespaceManagement && (inner.cdw10 & 0xF) == 1;
     if (completion.status == status::kSuccess && (opcode == admin::kFormat || deletes)) {
         tell(Event::kPd, drive->id, deletes ? "has a namespace deleted through the tunnel" : "formatted");

@@ -139,6 +139,25 @@ TEST_F(SecurityOfController, HiddenTemperatures)
     EXPECT_EQ(rig.vendor(0x000225E0).status, kBadParameter);
 }
 
+TEST_F(SecurityOfController, HiddenTemperaturesInHealthLogs)
+{
+    const auto temperature = [this] {
+        nvme_admin_cmd log{};
+        log.opcode = 0xC2;
+        log.nsid = 3;
+        log.cdw10 = 0x7F0002;
+        log.cdw14 = 2;
+        log.cdw15 = 0xFFFFFFFF;
+        EXPECT_EQ(rig.admin(log).status, kGood);
+        return std::pair(rig.at<QRX_U16>(1), rig.at<QRX_U16>(200));
+    };
+    EXPECT_EQ(temperature(), std::pair(QRX_U16{308}, QRX_U16{308}));
+    EXPECT_EQ(rig.vendor(0x000125E0).status, kGood);
+    EXPECT_EQ(temperature(), std::pair(QRX_U16{0}, QRX_U16{0}));
+    EXPECT_EQ(rig.vendor(0x000025E0).status, kGood);
+    EXPECT_EQ(temperature(), std::pair(QRX_U16{308}, QRX_U16{308}));
+}
+
 TEST_F(SecurityOfController, ASataDriveTellsWhatItIs)
 {
     EXPECT_EQ(rig.admin(ata(0xD2, 1, 0xEC)).status, kGood);
