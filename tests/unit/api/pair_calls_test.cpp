@@ -25,7 +25,9 @@ class Memory {
 public:
     explicit Memory(const Bytes& record) : words_(16384, 0xC3C3C3C3C3C3C3C3)
     {
-        std::memcpy(words_.data(), record.data(), record.size());
+        if (!record.empty()) {
+            std::memcpy(words_.data(), record.data(), record.size());
+        }
     }
     void* start() { return words_.data(); }
     [[nodiscard]] Bytes bytes() const
