@@ -73,7 +73,7 @@ TEST_F(Io, WhatWasMadeUncorrectableCannotBeReadUntilItIsWritten)
     EXPECT_EQ(io(4, 5, 2, {}).status, kGood);
     EXPECT_EQ(io(2, 4, 1, sector).status, kGood);
     EXPECT_EQ(io(2, 7, 1, sector).status, kGood);
-    for (const QRX_U64 lba : {4, 5, 6}) {
+    for (const QRX_U64 lba : {4U, 5U, 6U}) {
         buffer_.fill(0xA5);
         EXPECT_EQ(io(2, lba, 2, buffer_).status, 0x281U) << lba;
         EXPECT_EQ(std::count(buffer_.begin(), buffer_.end(), 0xA5), 1024) << "nothing is read";

@@ -225,8 +225,9 @@ TEST_F(NamespaceIo, AFileThatCannotBeOpenedStopsTheCommand)
 {
     const std::string name = scratch.path("no/such/directory");
     for (const std::string word : {"read", "write", "compare"}) {
+        const std::string said = std::string(word).append(": cannot open '").append(name);
         EXPECT_EQ(unlisted({word, "-n", "1", "-s", "0", "-l", "0", "-f", name}),
-                  (Outcome{1, word + ": cannot open '" + name + "': No such file or directory\n"}));
+                  (Outcome{1, said + "': No such file or directory\n"}));
     }
     EXPECT_EQ(unlisted({"write", "-n", "1", "-s", "0", "-l", "0", "-f", scratch.path("")}),
               (Outcome{1, "write: cannot read '" + scratch.path("") + "': Is a directory\n"}));
@@ -299,8 +300,8 @@ TEST_F(NamespaceIo, LettersOfOtherCommandsAreIllegal)
                                                           {"compare", "7"},    {"writezero", "f"}, {"writezero", "a"},
                                                           {"writeuncor", "0"}, {"writeuncor", "z"}};
     for (const auto& [word, letter] : others) {
-        EXPECT_EQ(unlisted({word, "-" + letter, "0"}),
-                  (Outcome{0, "", "", word + ": illegal option -- " + letter + "\n"}));
+        const std::string said = std::string(word).append(": illegal option -- ").append(letter);
+        EXPECT_EQ(unlisted({word, "-" + letter, "0"}), (Outcome{0, "", "", said + "\n"}));
     }
     EXPECT_EQ(unlisted({"write", "--eilbrt=1"}), (Outcome{0, "", "", "write: unrecognized option `--eilbrt=1'\n"}));
     EXPECT_EQ(unlisted({"read", "--ilbrt=1"}), (Outcome{0, "", "", "read: unrecognized option `--ilbrt=1'\n"}));

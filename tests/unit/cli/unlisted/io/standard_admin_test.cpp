@@ -78,8 +78,8 @@ TEST_F(Format, OptionsAreChecked)
                                                            {"-s", "Secure Erase Settings"}};
     for (const auto& [option, text] : options) {
         for (const std::string word : {"x", "0x1", "-1"}) {
-            EXPECT_EQ(unlisted({"format", option, word, "-h"}),
-                      (Outcome{0, option + " : invalid " + text + " '" + word + "'\n"}));
+            const std::string said = std::string(option).append(" : invalid ").append(text).append(" '").append(word);
+            EXPECT_EQ(unlisted({"format", option, word, "-h"}), (Outcome{0, said + "'\n"}));
         }
         EXPECT_EQ(unlisted({"format", option, "0", option, "0"}), kDuplicate);
     }
