@@ -176,15 +176,7 @@ int showOne(PCommand_Info row, int id, OutputFile& output)
         showWindows(page, windows, id);
         showRing(page, windows);
     }
-    const int result = status != 0 ? status : failed;
-    if (!output.close()) {
-        const int refused = output.refuse(row);
-        return result != 0 ? result : refused;
-    }
-    if (result != 0) {
-        output.warnOfMissingRest(row);
-    }
-    return result;
+    return output.finish(row, status != 0 ? status : failed);
 }
 
 }  // namespace qrx::iomon

@@ -194,14 +194,6 @@ int runAction(const Wish& wish, int argc, char** argv, PCommand_Info row)
     return status;
 }
 
-// The line of a command whose failure is told with its status.
-int reportWithCode(int status, const char* subject, const char* success)
-{
-    return status == 0
-               ? qrx::refuse(0, "%s", success)
-               : qrx::refuse(status, "%s failed.(error code: 0x%02x)\n", subject, static_cast<unsigned>(status));
-}
-
 }  // namespace
 
 int doSErrStatus(int argc, char** argv, PCommand_Info pCmdInfo)
@@ -249,7 +241,7 @@ int doSoffline(int argc, char** argv, PCommand_Info pCmdInfo)
     }
     const auto command = qrx::vendorCommand(kGroupPd, kSubOffline, id);
     command.debug();
-    return reportWithCode(command.send(), "offline command", "offline command success.\n");
+    return qrx::reportCode(command.send(), "offline command");
 }
 
 int doChkAlive(int argc, char** argv, PCommand_Info pCmdInfo)
@@ -261,7 +253,8 @@ int doChkAlive(int argc, char** argv, PCommand_Info pCmdInfo)
     }
     const auto command = qrx::vendorCommand(kGroupAdapter, kSubCheckAlive);
     command.debug();
-    return reportWithCode(command.send(), "Check adapter alive", "Check adapter is alive.\n");
+    const int status = command.send();
+    return status == 0 ? qrx::refuse(0, "Check adapter is alive.\n") : qrx::reportCode(status, "Check adapter alive");
 }
 
 int doSBSMS(int /*argc*/, char** /*argv*/, PCommand_Info /*pCmdInfo*/)
