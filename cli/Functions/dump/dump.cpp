@@ -146,7 +146,6 @@ int doDump(int argc, char** argv, PCommand_Info pCmdInfo)
     qrx::OutputFile output;
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     Wish wish;
-    bool bad = false;
     const auto read = [&](int letter) {
         switch (letter) {
         case 'a':
@@ -160,11 +159,8 @@ int doDump(int argc, char** argv, PCommand_Info pCmdInfo)
             return true;
         }
     };
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, "ad1", 0, [&](int letter) {
-            bad = !read(letter);
-            return !bad;
-        })) {
-        return bad ? 1 : *result;
+    if (const auto result = qrx::readOptions(scan, pCmdInfo, "ad1", {0, 1}, read)) {
+        return *result;
     }
     if (scan.repeated("ad")) {
         return qrx::duplicateOption(0);

@@ -135,12 +135,12 @@ int doEvent(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     QRX_U16 count = 0;
-    bool bad = false;
-    if (const auto result = qrx::readOneOption(scan, pCmdInfo, 'c', [&] {
-            bad = !qrx::take(qrx::readNumber(scan.word()), count);
-            return !bad || qrx::complain("-c : invalid number of event '%s'\n", scan.word());
-        })) {
-        return bad ? 1 : *result;
+    const auto read = [&] {
+        return qrx::take(qrx::readNumber(scan.word()), count) ||
+               qrx::complain("-c : invalid number of event '%s'\n", scan.word());
+    };
+    if (const auto result = qrx::readOneOption(scan, pCmdInfo, 'c', read, {0, 1})) {
+        return *result;
     }
     return getPageEvent(count);
 }

@@ -80,10 +80,8 @@ int doMFND_child_ctrl_log_page(int argc, char** argv, PCommand_Info pCmdInfo)
     if (scan.repeated("idl123")) {
         return qrx::duplicateOption();
     }
-    for (const char letter : {'i', 'd', 'l'}) {
-        if (!scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter);
-        }
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, "idl")) {
+        return *result;
     }
     const auto& [ccid, lid, length, cdw11, cdw12, cdw13] = values;
     std::array<QRX_U8, qrx::wire::kPageSize> page{};

@@ -95,20 +95,15 @@ int doMFND_operation(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     Wish wish;
-    bool bad = false;
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, "oat", 0, [&](int letter) {
-            bad = !read(letter, scan.word(), wish);
-            return !bad;
-        })) {
-        return bad ? 1 : *result;
+    if (const auto result = qrx::readOptions(scan, pCmdInfo, "oat", {0, 1},
+                                             [&](int letter) { return read(letter, scan.word(), wish); })) {
+        return *result;
     }
     if (scan.repeated("oat")) {
         return qrx::duplicateOption();
     }
-    for (const char letter : {'a', 'o', 't'}) {
-        if ((letter == 'a' || wish.set) && !scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter, 1);
-        }
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, wish.set ? "aot" : "a", 1)) {
+        return *result;
     }
     qrx::AdminCommand command(wish.set ? qrx::kMfndSetFeatures : qrx::kMfndGetFeatures);
     command.word(10, qrx::kMfndOperationFeature).word(11, wish.set ? featureWord(wish) : 0).debug();

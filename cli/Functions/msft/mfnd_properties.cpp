@@ -120,20 +120,15 @@ int doMFND_properties(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     Wish wish;
-    bool bad = false;
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, "a0123", 0, [&](int letter) {
-            bad = !read(letter, scan.word(), wish);
-            return !bad;
-        })) {
-        return bad ? 1 : *result;
+    if (const auto result = qrx::readOptions(scan, pCmdInfo, "a0123", {0, 1},
+                                             [&](int letter) { return read(letter, scan.word(), wish); })) {
+        return *result;
     }
     if (scan.repeated("a0123")) {
         return qrx::duplicateOption();
     }
-    for (const char letter : {'a', '1', '3'}) {
-        if ((letter == 'a' || wish.set) && !scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter, 1);
-        }
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, wish.set ? "a13" : "a", 1)) {
+        return *result;
     }
     return wish.set ? set(wish.properties) : get();
 }

@@ -10,6 +10,7 @@
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/identify.h"
 #include "cli/Public/frame/report.h"
 
@@ -44,10 +45,8 @@ bool resolve(const OptionScan& scan, Wish& wish)
 
 int init(PCommand_Info row, const OptionScan& scan, const Wish& wish)
 {
-    for (const char letter : {'i', 'n'}) {
-        if (!scan.has(letter)) {
-            return optionRequired(row, letter);
-        }
+    if (const auto result = requireOptions(scan, row, "in")) {
+        return *result;
     }
     if (!isPhysical("Init")) {
         return 0;
@@ -75,10 +74,8 @@ int share(PCommand_Info row, const OptionScan& scan, Wish& wish)
 
 int create(PCommand_Info row, const OptionScan& scan, const Wish& wish)
 {
-    for (const char letter : {'i', 'c', 'l'}) {
-        if (!scan.has(letter)) {
-            return optionRequired(row, letter);
-        }
+    if (const auto result = requireOptions(scan, row, "icl")) {
+        return *result;
     }
     if (!isPhysical("Create")) {
         return 0;

@@ -26,13 +26,6 @@ bool readDrive(const char* word, QRX_U16& drive, const char* notNumber)
            complain("-i : invalid PD id '%s'\n", word);
 }
 
-char firstMissing(const OptionScan& scan, std::string_view letters)
-{
-    const auto* const found =
-        std::find_if(letters.begin(), letters.end(), [&scan](char letter) { return !scan.has(letter); });
-    return found == letters.end() ? '\0' : *found;
-}
-
 int tell(int status, const char* what)
 {
     return status == 0 ? refuse(0, "cmd success\n")

@@ -28,9 +28,6 @@ constexpr QRX_U32 ofDrive(QRX_U16 drive)
 // Stores the id of a drive; false after a complaint: `notNumber`, or one of ids that the command cannot carry.
 bool readDrive(const char* word, QRX_U16& drive, const char* notNumber);
 
-// The first of the letters whose option was not given, or 0.
-char firstMissing(const OptionScan& scan, std::string_view letters);
-
 // Tells how a command ended, of which `what` is the purpose: "set security info". Returns `status`.
 int tell(int status, const char* what);
 

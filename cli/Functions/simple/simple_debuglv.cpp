@@ -2,7 +2,7 @@
 
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Public/frame/admin_command.h"
-#include "cli/Public/frame/handler.h"
+#include "cli/Public/frame/one_option.h"
 
 const char simple_debuglv_help[] = R"(
 debuglv <-t 0|1 > [-h]
@@ -41,17 +41,11 @@ int doSDEBUGLV(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     QRX_U16 level = kNormal;
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, "t", 0, [&](int) {
+    if (const auto result = qrx::readOneOption(scan, pCmdInfo, 't', [&] {
             return qrx::take(qrx::keyword(scan.word(), kLevels), level) ||
                    qrx::complain("-t : invalid target '%s'.\n", scan.word());
         })) {
         return *result;
-    }
-    if (scan.repeated("t")) {
-        return qrx::duplicateOption();
-    }
-    if (!scan.has('t')) {
-        return qrx::optionRequired(pCmdInfo, 't');
     }
     const auto command = qrx::vendorCommand(kGroupAdapter, kSubDebugLevel, level);
     return level == kNormal ? qrx::carryOut(command, "debug level access to normal failed.\n",

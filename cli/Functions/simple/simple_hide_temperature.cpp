@@ -5,7 +5,7 @@
 
 #include "api/src/interface/wire/security.h"
 #include "cli/Public/frame/admin_command.h"
-#include "cli/Public/frame/handler.h"
+#include "cli/Public/frame/one_option.h"
 
 const char simple_hide_temperature_sh[] = ":For hide temperature";
 const char simple_hide_temperature_help[] =
@@ -41,17 +41,11 @@ int doSHideTemperature(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     const char* target = "";
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, "t", 0, [&](int) {
+    if (const auto result = qrx::readOneOption(scan, pCmdInfo, 't', [&] {
             target = scan.word();  // alone among such words, its case counts
             return kEnable == target || kDisable == target || qrx::complain("-t : invalid target '%s'.\n", scan.word());
         })) {
         return *result;
-    }
-    if (scan.repeated("t")) {
-        return qrx::duplicateOption();
-    }
-    if (!scan.has('t')) {
-        return qrx::optionRequired(pCmdInfo, 't');
     }
     const auto command = qrx::vendorCommand(kGroupAdapter, kSubHideTemperature, kEnable == target ? 1 : 0);
     command.debug();

@@ -195,10 +195,8 @@ int doSIOmonPolling(int argc, char** argv, PCommand_Info pCmdInfo)
     if (scan.repeated("ait")) {
         return qrx::duplicateOption();
     }
-    for (const char letter : {'i', 't'}) {
-        if (!scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter);
-        }
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, "it")) {
+        return *result;
     }
     if (!qrx::iomon::checkFile(wish.output)) {
         return 0;

@@ -97,10 +97,8 @@ int doSLed(int argc, char** argv, PCommand_Info pCmdInfo)
     if (scan.repeated("oia")) {
         return qrx::duplicateOption();
     }
-    for (const char letter : {'o', 'i', 'a'}) {
-        if (!scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter);
-        }
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, "oia")) {
+        return *result;
     }
     const auto command = qrx::vendorCommand(wish.group, kSubLed).word(14, wish.id | QRX_U32{wish.state} << 16U);
     return qrx::carryOut(command, "LED control failed.\n", "LED control success\n");

@@ -88,8 +88,8 @@ int doAck(int argc, char** argv, PCommand_Info pCmdInfo)
         return qrx::duplicateOption();
     }
     const bool pd = wish.type == qrx::security::kPd;
-    if (const char missing = qrx::security::firstMissing(scan, !scan.has('t') ? "t" : pd ? "isf" : "r")) {
-        return qrx::optionRequired(pCmdInfo, missing, 1);
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, pd ? "tisf" : "tr", 1)) {
+        return *result;
     }
     const auto command = qrx::security::command(kSecurityPresence)
                              .word(13, pd ? qrx::security::ofDrive(wish.drive) : 0)

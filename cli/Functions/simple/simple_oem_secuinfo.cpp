@@ -144,8 +144,8 @@ int doSecuInfo(int argc, char** argv, PCommand_Info pCmdInfo)
     if (wish.type == qrx::security::kAdapter) {
         return setAdapter(scan, wish);
     }
-    if (const char missing = qrx::security::firstMissing(scan, "ip")) {
-        return qrx::optionRequired(pCmdInfo, missing, 1);
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, "ip", 1)) {
+        return *result;
     }
     return set(qrx::security::ofDrive(wish.drive), wish.provided);
 }

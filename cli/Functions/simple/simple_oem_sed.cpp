@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "cli/Functions/simple/oem_security.h"
-#include "cli/Public/frame/handler.h"
+#include "cli/Public/frame/one_option.h"
 
 const char simple_sed_sh[] = ":For set security help provided of PDs";
 const char simple_sed_help[] =
@@ -54,17 +54,11 @@ int doSED(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     QRX_U32 drives = 0;
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, "i", 0, [&](int) {
+    if (const auto result = qrx::readOneOption(scan, pCmdInfo, 'i', [&] {
             return qrx::take(readBitmap(scan.word()), drives) ||
                    qrx::complain("-i : invalid PD ID map '%s'\n", scan.word());
         })) {
         return *result;
-    }
-    if (scan.repeated("i")) {
-        return qrx::duplicateOption();
-    }
-    if (!scan.has('i')) {
-        return qrx::optionRequired(pCmdInfo, 'i');
     }
     return qrx::carryOut(qrx::security::command(kSecurityPresence).word(14, drives), "Security Help Provided failed.\n",
                          "Security Help Provided success.");

@@ -174,19 +174,15 @@ int doQOS(int argc, char** argv, PCommand_Info pCmdInfo)
     if (scan.repeated("ai0123c")) {
         return qrx::duplicateOption();
     }
-    for (const char letter : {'a', 'i'}) {
-        if (!scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter);
-        }
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, "ai")) {
+        return *result;
     }
     switch (wish.action) {
     case kGet:
         return get(wish.host);
     case kSet:
-        for (const Limit& row : kLimits) {
-            if (!scan.has(row.letter)) {
-                return qrx::optionRequired(pCmdInfo, row.letter);
-            }
+        if (const auto result = qrx::requireOptions(scan, pCmdInfo, "0123")) {
+            return *result;
         }
         return set(wish.host, wish.limits);
     default:

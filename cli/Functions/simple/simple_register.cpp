@@ -103,10 +103,8 @@ int doSReg(int argc, char** argv, PCommand_Info pCmdInfo)
     if (scan.repeated("tida")) {
         return qrx::duplicateOption();
     }
-    for (const char letter : {'t', 'a'}) {
-        if (!scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter);
-        }
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, "ta")) {
+        return *result;
     }
     return wish.type == kRead ? readRegister(wish)
                               : qrx::carryOut(qrx::registerWrite(wish.id, wish.address, wish.data),

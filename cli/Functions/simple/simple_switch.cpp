@@ -2,7 +2,7 @@
 #include "cli/Functions/simple/simple_switch.h"
 
 #include "cli/Public/frame/admin_command.h"
-#include "cli/Public/frame/handler.h"
+#include "cli/Public/frame/one_option.h"
 
 const char simple_qxf_help[] = R"(
 qxf <-a on|off > [-h]
@@ -79,17 +79,11 @@ int run(const Feature& feature, int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     QRX_U32 on = 0;
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, "a", 0, [&](int) {
+    if (const auto result = qrx::readOneOption(scan, pCmdInfo, 'a', [&] {
             return qrx::take(qrx::keyword(scan.word(), kActions), on) ||
                    qrx::complain("-a : invalid action '%s'.\n", scan.word());
         })) {
         return *result;
-    }
-    if (scan.repeated("a")) {
-        return qrx::duplicateOption();
-    }
-    if (!scan.has('a')) {
-        return qrx::optionRequired(pCmdInfo, 'a');
     }
     const auto command = qrx::vendorCommand(kGroupAdapter, feature.subOpcode).word(14, on);
     command.debug();

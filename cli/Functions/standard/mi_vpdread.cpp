@@ -100,10 +100,8 @@ int qrx::mi::readVpd(int argc, char** argv, PCommand_Info row, bool headInWords)
     if (scan.repeated("olf")) {
         return duplicateOption();
     }
-    for (const char letter : {'o', 'l'}) {
-        if (!scan.has(letter)) {
-            return optionRequired(row, letter);
-        }
+    if (const auto result = requireOptions(scan, row, "ol")) {
+        return *result;
     }
     const std::size_t most = headInWords ? wire::kPageSize : kAnswerDataMax;
     if (wish.length > most) {

@@ -106,10 +106,8 @@ int qrx::mi::writeVpd(int argc, char** argv, PCommand_Info pCmdInfo, const Write
     if (scan.repeated("olf")) {
         return duplicateOption();
     }
-    for (const char letter : {'o', 'l', 'f'}) {
-        if (!scan.has(letter)) {
-            return optionRequired(pCmdInfo, letter);
-        }
+    if (const auto result = requireOptions(scan, pCmdInfo, "olf")) {
+        return *result;
     }
     return send(pCmdInfo, wish, style);
 }

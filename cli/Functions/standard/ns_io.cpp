@@ -213,10 +213,8 @@ int qrx::io::carryOut(int argc, char** argv, PCommand_Info row, const IoCommand&
     if (scan.repeated(options.known())) {
         return duplicateOption();
     }
-    for (const char letter : {'n', 's', 'l'}) {
-        if (!scan.has(letter)) {
-            return optionRequired(row, letter);
-        }
+    if (const auto result = requireOptions(scan, row, "nsl")) {
+        return *result;
     }
     if (refusedInRaid()) {
         return kRaidResult;

@@ -94,10 +94,8 @@ int doVFManage(int argc, char** argv, PCommand_Info pCmdInfo)
     if (!scan.has('c') && !scan.has('n')) {
         return qrx::showHelp(pCmdInfo, 0);
     }
-    for (const char letter : {'c', 'n'}) {
-        if (!scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter);
-        }
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, "cn")) {
+        return *result;
     }
     if (wish.controller < UCD_HIU_VF0) {
         return qrx::report(manage(kVirtualizationAllocate, wish.controller, wish.count), "cmd failed\n",

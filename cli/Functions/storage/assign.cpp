@@ -1,7 +1,7 @@
 #include "cli/Functions/storage/assign.h"
 
-#include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
+#include "cli/Public/frame/one_option.h"
 
 const char assign_help[] =
     "\n"
@@ -32,13 +32,8 @@ constexpr option kLong[] = {
 int doAssign(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, "d", 1, [&](int) {
-            return qrx::readId(scan.word()) || qrx::complain("-d : invalid disk id '%s'\n", scan.word());
-        })) {
-        return *result;
-    }
-    if (scan.repeated("d")) {
-        return qrx::duplicateOption();
-    }
-    return scan.has('d') ? 0 : qrx::optionRequired(pCmdInfo, 'd', 1);
+    const auto read = [&] {
+        return qrx::readId(scan.word()) || qrx::complain("-d : invalid disk id '%s'\n", scan.word());
+    };
+    return qrx::readOneOption(scan, pCmdInfo, 'd', read, 1).value_or(0);
 }

@@ -100,12 +100,7 @@ int run(qrx::OptionScan scan, PCommand_Info row, std::string_view needed, bool (
     if (scan.repeated(needed)) {
         return qrx::duplicateOption();
     }
-    for (const char letter : needed) {
-        if (!scan.has(letter)) {
-            return qrx::optionRequired(row, letter);
-        }
-    }
-    return 0;
+    return qrx::requireOptions(scan, row, needed).value_or(0);
 }
 
 }  // namespace

@@ -107,10 +107,8 @@ bool hasDisks()
 
 int attachOrDetach(PCommand_Info row, const qrx::OptionScan& scan, Wish& wish)
 {
-    for (const char letter : {'i', 'd'}) {
-        if (!scan.has(letter)) {
-            return qrx::optionRequired(row, letter);
-        }
+    if (const auto result = qrx::requireOptions(scan, row, "id")) {
+        return *result;
     }
     const bool attaches = wish.action == qrx::ns::kAttach;
     const int status = qrx::ns::sendAttachment(attaches, static_cast<QRX_U32>(wish.nsid), wish.controllers);

@@ -91,10 +91,8 @@ int doSCreate(int argc, char** argv, PCommand_Info pCmdInfo)
     if (scan.repeated("ndb")) {
         return qrx::duplicateOption();
     }
-    for (const char letter : {'r', 'd'}) {
-        if (!scan.has(letter)) {
-            return qrx::optionRequired(pCmdInfo, letter);
-        }
+    if (const auto result = qrx::requireOptions(scan, pCmdInfo, "rd")) {
+        return *result;
     }
     return qrx::vd::carryOut(
         qrx::vd::createCommand(wish.mode, wish.stripe).word(13, memberBitmap()).word(14, wish.namespaces));

@@ -1,8 +1,8 @@
 // `sdelete`.
 #include "cli/Functions/simple/vd_command.h"
 #include "cli/Functions/storage/delete.h"
-#include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
+#include "cli/Public/frame/one_option.h"
 
 const char simple_delete_help[] =
     "\n"
@@ -36,17 +36,12 @@ int doSDelete(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     int id = 0;  // as the controller counts, in one-based mode too
-    if (const auto result = qrx::readOptions(scan, pCmdInfo, "i", 1, [&](int) {
-            return (qrx::take(qrx::readNumber(scan.word()), id) && id <= kIdMax) ||
-                   qrx::complain("-i : invalid vd id '%s'.\n", scan.word());
-        })) {
+    const auto read = [&] {
+        return (qrx::take(qrx::readNumber(scan.word()), id) && id <= kIdMax) ||
+               qrx::complain("-i : invalid vd id '%s'.\n", scan.word());
+    };
+    if (const auto result = qrx::readOneOption(scan, pCmdInfo, 'i', read, 1)) {
         return *result;
-    }
-    if (scan.repeated("i")) {
-        return qrx::duplicateOption();
-    }
-    if (!scan.has('i')) {
-        return qrx::optionRequired(pCmdInfo, 'i', 1);
     }
     return qrx::vd::carryOut(qrx::vd::deleteCommand(static_cast<QRX_U16>(id)));
 }

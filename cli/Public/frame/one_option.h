@@ -8,19 +8,19 @@
 
 namespace qrx {
 
-// As readOptions with the one letter: `read()` stores its argument, or complains and gives false, and the handler
-// returns 0. Then complains where the option came twice or not at all.
+// As readOptions with the one letter: `read()` stores its argument, or complains and gives false. Then complains where
+// the option came twice, or not at all, which ends as a complaint of the scanner does.
 template <class Read>
-std::optional<int> readOneOption(OptionScan& scan, PCommand_Info row, char letter, Read&& read)
+std::optional<int> readOneOption(OptionScan& scan, PCommand_Info row, char letter, Read&& read, OnComplaint refused = 0)
 {
     const std::string_view known(&letter, 1);
-    if (const auto result = readOptions(scan, row, known, 0, [&](int) { return read(); })) {
+    if (const auto result = readOptions(scan, row, known, refused, [&](int) { return read(); })) {
         return result;
     }
     if (scan.repeated(known)) {
         return duplicateOption();
     }
-    return scan.has(letter) ? std::nullopt : std::optional<int>(optionRequired(row, letter));
+    return requireOptions(scan, row, known, refused.ofScanner);
 }
 
 }  // namespace qrx

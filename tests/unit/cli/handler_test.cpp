@@ -55,6 +55,38 @@ TEST(OptionPass, ShowsTheHelpForAnyOtherOptionAndForABareWord)
     EXPECT_EQ(pass({"led"}), (Outcome{1, "Description:brief\nlong\n"}));
 }
 
+TEST(OptionPass, MayEndInOtherWaysForTheReaderThanForTheScanner)
+{
+    const auto passed = [](std::initializer_list<std::string> words) {
+        Command_Info row{"led", 4, nullptr, "\nlong\n", ":brief", 1};
+        Words mine(words);
+        return outcomeOf([&] {
+            OptionScan scan(mine.argc(), mine.argv(), kLetters, kLong);
+            return readOptions(scan, &row, "a", {5, 6}, [](int) { return false; }).value_or(-77);
+        });
+    };
+    EXPECT_EQ(passed({"led", "-z"}), (Outcome{5, "", "", "led: illegal option -- z\n"}));
+    EXPECT_EQ(passed({"led", "-a", "1"}), (Outcome{6, ""}));
+}
+
+TEST(RequiredOptions, TheFirstThatIsMissingIsTold)
+{
+    const auto required = [](std::initializer_list<std::string> words, std::optional<int> result) {
+        Command_Info row{"led", 4, nullptr, "\nlong\n", ":brief", 1};
+        Words mine(words);
+        return outcomeOf([&] {
+            OptionScan scan(mine.argc(), mine.argv(), kLetters, kLong);
+            (void)passOptions(scan, &row, "ab", 0, [](int) { return true; });
+            return (result ? requireOptions(scan, &row, "ba", *result) : requireOptions(scan, &row, "ba"))
+                .value_or(-77);
+        });
+    };
+    EXPECT_EQ(required({"led", "-a", "1", "-b", "2"}, 3), (Outcome{-77, ""}));
+    EXPECT_EQ(required({"led"}, 3), (Outcome{3, "led: option -b is required\n"}));
+    EXPECT_EQ(required({"led", "-b", "2"}, 3), (Outcome{3, "led: option -a is required\n"}));
+    EXPECT_EQ(required({"led"}, std::nullopt), (Outcome{0, "led: option -b is required\n"}));
+}
+
 TEST(Take, StoresWhatIsThereCutToTheField)
 {
     QRX_U8 field = 9;
