@@ -10,6 +10,7 @@
 #include "cli/Public/frame/device_text.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
+#include "cli/Public/frame/read_one.h"
 #include "cli/Public/frame/tunnel.h"
 
 const char id_help[] = R"(
@@ -45,8 +46,6 @@ constexpr option kLong[] = {
 enum Description { kSimple, kDetail };
 constexpr qrx::Keyword kDescriptions[] = {{"simple", kSimple}, {"detail", kDetail}};
 
-constexpr QRX_U16 kOneRecord = 2;  // of a list request: the record of the id where it starts
-
 bool exists(int id)
 {
     return id < qrx::recordOf(gCurrentAdapter).MaxPD && checkHDID(static_cast<QRX_U16>(id)) == 0;
@@ -57,10 +56,7 @@ bool exists(int id)
 QRX_U32 checkHDID(QRX_U16 id)
 {
     NVME_PD_Info_Request request{};
-    request.header.requestType = kOneRecord;
-    request.header.start = id;
-    request.header.numRequested = 1;
-    return QRX_PD_GetInfo(gCurrentAdapter, &request);
+    return qrx::readOne(QRX_PD_GetInfo, id, request);
 }
 
 void showIDInfo(std::span<const QRX_U8, qrx::wire::kPageSize> page)

@@ -11,10 +11,10 @@
 #include "api/src/interface/globals.h"
 #include "api/src/interface/vd.h"
 #include "cli/Functions/simple/bga_kind.h"
-#include "cli/Functions/storage/read_one.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/raid_only.h"
+#include "cli/Public/frame/read_one.h"
 
 const char init_help[] = R"(
 init [-a <start|stop>] -i <VD id> [-h]

@@ -19,6 +19,7 @@
 #include "cli/Public/frame/name.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/raid_only.h"
+#include "cli/Public/frame/read_one.h"
 
 const char create_help[] =
     "\n"
@@ -148,8 +149,7 @@ bool isUsable(QRX_U16 id)
 {
     const int shown = id + qrx::idBase();
     NVME_PD_Info_Request pd{};
-    pd.header = qrx::oneOf(id);
-    if (QRX_PD_GetInfo(gCurrentAdapter, &pd) != 0) {
+    if (qrx::readOne(QRX_PD_GetInfo, id, pd) != 0) {
         return complain("Failed to get status for PD %d\n", shown);
     }
     if ((pd.pd_info.Status & kPdAssigned) != 0) {
@@ -165,8 +165,7 @@ std::string defaultName()
     int number = 0xFFFF;
     for (QRX_U16 index = 0; index < qrx::recordOf(gCurrentAdapter).MaxVD; ++index) {
         NVME_VD_Info_Request vd{};
-        vd.header = qrx::oneOf(index);
-        if (QRX_VD_GetInfo(gCurrentAdapter, &vd) != 0) {
+        if (qrx::readOne(QRX_VD_GetInfo, index, vd) != 0) {
             number = index + qrx::idBase();
             break;
         }

@@ -9,6 +9,7 @@
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/question.h"
 #include "cli/Public/frame/raid_only.h"
+#include "cli/Public/frame/read_one.h"
 
 const char delete_help[] =
     "\n"
@@ -81,8 +82,7 @@ std::optional<int> calledOff()
 bool runsActivity(QRX_U16 id)
 {
     NVME_BGA_REQUEST activity{};
-    activity.header = qrx::oneOf(id);
-    return QRX_VD_GetBGAStatus(gCurrentAdapter, &activity) == 0 &&
+    return qrx::readOne(QRX_VD_GetBGAStatus, id, activity) == 0 &&
            activity.data.BgaStatus == QRX_NVME_BGA_STATUS_RUNNING;
 }
 
@@ -90,8 +90,7 @@ int remove(QRX_U16 id, bool asks)
 {
     const int shown = id + qrx::idBase();
     NVME_VD_Info_Request vd{};
-    vd.header = qrx::oneOf(id);
-    if (QRX_VD_GetInfo(gCurrentAdapter, &vd) != 0) {
+    if (qrx::readOne(QRX_VD_GetInfo, id, vd) != 0) {
         return refuse(1, "\nUnable to get info of VD %d.\n", shown);
     }
     if (asks) {

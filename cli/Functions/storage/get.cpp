@@ -5,13 +5,13 @@
 #include "api/src/interface/vd.h"
 #include "cli/Functions/simple/simple_config.h"
 #include "cli/Functions/storage/config.h"
-#include "cli/Functions/storage/read_one.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/device_text.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/lines.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/raid_only.h"
+#include "cli/Public/frame/read_one.h"
 
 const char get_help[] = R"(
 get -o <hba|vd> [-i <VD id>] [-h]

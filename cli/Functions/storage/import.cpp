@@ -4,9 +4,9 @@
 #include "api/src/interface/vd.h"
 #include "api/src/interface/wire/adapter.h"
 #include "cli/Functions/simple/import_check.h"
-#include "cli/Functions/storage/read_one.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
+#include "cli/Public/frame/read_one.h"
 
 const char import_help[] = R"(
 import -l <VD id> [-i <NVMe Controller id>] [-h]

@@ -10,9 +10,9 @@
 #include "cli/Functions/simple/info_list.h"
 #include "cli/Functions/simple/simple_info.h"
 #include "cli/Functions/storage/info.h"
-#include "cli/Functions/storage/read_one.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/lines.h"
+#include "cli/Public/frame/read_one.h"
 #include "cli/Public/frame/report.h"
 
 namespace {

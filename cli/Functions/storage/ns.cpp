@@ -8,10 +8,10 @@
 #include "api/src/interface/wire/primary.h"
 #include "cli/Functions/simple/ns_actions.h"
 #include "cli/Functions/simple/ns_controllers.h"
-#include "cli/Functions/storage/read_one.h"
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
+#include "cli/Public/frame/read_one.h"
 
 const char ns_help[] = R"(
 ns -l ctrl | -a <attach|detach> -i <NS id> -d <ctrl id list> [-h]

@@ -6,11 +6,11 @@
 #include "api/src/interface/vd.h"
 #include "cli/Functions/simple/config_changes.h"
 #include "cli/Functions/storage/config.h"
-#include "cli/Functions/storage/read_one.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/name.h"
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/raid_only.h"
+#include "cli/Public/frame/read_one.h"
 
 const char set_help[] = R"(
 set -o <hba|vd> [-i <VD id>] [-n <name>] [-a <on|off>] [-r <high|medium|low>] [-h]
