@@ -100,7 +100,7 @@ int showPages(qrx::OutputFile& output)
 
 int dumpConsole(PCommand_Info row, qrx::OutputFile& output)
 {
-    if (output.isNamed() && !output.isOpen()) {
+    if (output.hasFailed()) {
         return output.refuse(row);
     }
     NVME_Debug_Dump_Config config{};

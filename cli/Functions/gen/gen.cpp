@@ -141,5 +141,5 @@ int doGen(int argc, char** argv, PCommand_Info pCmdInfo)
         return output.refuse(pCmdInfo);
     }
     _showRAWData(block.data(), static_cast<int>(block.size()));
-    return output.write(block) && output.close() ? 0 : output.refuse(pCmdInfo);
+    return output.save(pCmdInfo, block);
 }

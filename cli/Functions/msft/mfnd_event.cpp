@@ -5,6 +5,7 @@
 #include "api/src/interface/agent.h"
 #include "api/src/interface/globals.h"
 #include "cli/Functions/msft/mfnd.h"
+#include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/lines.h"
 
@@ -27,7 +28,6 @@ constexpr char kLetters[] = "\x01:h";
 constexpr option kLong[] = {qrx::kOutputRow, qrx::kHelpRow, qrx::kEndRow};
 
 constexpr QRX_U8 kGetLogPage = 2;
-constexpr QRX_U32 kWholePage = (qrx::wire::kPageSize / 4 - 1) << 16;  // dwords less 1, in CDW10
 constexpr std::size_t kFirst = offsetof(_MSFT_CHILD_CTRL_EVENT, entries);
 constexpr std::size_t kStride = sizeof(_MSFT_CHILD_CTRL_PROPERTIES);
 // Of the last entry only its beginning is in the page.
@@ -61,7 +61,7 @@ int doMFND_event(int argc, char** argv, PCommand_Info pCmdInfo)
         return *result;
     }
     Page page{};
-    QRX_U32 cdw10 = kWholePage | qrx::kMfndEventLog;
+    QRX_U32 cdw10 = qrx::kWholePage << 16U | qrx::kMfndEventLog;
     const auto status = static_cast<int>(QRX_Adapter_Admin(gCurrentAdapter, kGetLogPage, 0, &cdw10, 1, nullptr, 0,
                                                            page.data(), static_cast<QRX_U16>(page.size())));
     if (status != 0) {

@@ -52,7 +52,7 @@ int fail(int status)
 
 int receive(PCommand_Info row, Wish& wish, const qrx::AdminCommand& command, std::span<QRX_U8> data)
 {
-    if (wish.output.isNamed() && !wish.output.isOpen()) {
+    if (wish.output.hasFailed()) {
         return wish.output.refuse(row);
     }
     QRX_U32 dword0 = 0;
@@ -62,8 +62,8 @@ int receive(PCommand_Info row, Wish& wish, const qrx::AdminCommand& command, std
     int result = 0;
     if (!wish.output.isNamed()) {
         _showRAWData(data.data(), static_cast<int>(data.size()));
-    } else if (!wish.output.write(data) || !wish.output.close()) {
-        result = wish.output.refuse(row);
+    } else {
+        result = wish.output.save(row, data);
     }
     return finish(wish, data, dword0, result);
 }

@@ -22,7 +22,6 @@ using qrx::info::Status;
 
 constexpr QRX_U8 kSubReadHbaInfo = 0x0F;
 constexpr std::size_t kSriovEnableOffset = 450;  // in the stored settings, which have no envelope
-constexpr QRX_U32 kWholePage = 1023;             // CDW10: dwords less 1
 
 void showFetched(QRX_U8 adapterID, bool all, bool every)
 {
@@ -78,7 +77,7 @@ QRX_U16 get_hostID(QRX_U8 AdapterID)
 
 QRX_U8 get_sriov_enable()
 {
-    const auto command = vendorCommand(kGroupAdapter, kSubReadHbaInfo).word(10, kWholePage);
+    const auto command = vendorCommand(kGroupAdapter, kSubReadHbaInfo).word(10, qrx::kWholePage);
     command.debug();
     std::array<QRX_U8, qrx::wire::kPageSize> settings{};
     return command.receive(settings) == 0 ? settings[kSriovEnableOffset] : QRX_U8{0};

@@ -37,7 +37,7 @@ bool readOption(int letter, const char* word, Wish& wish)
 
 bool checkFile(const OutputFile& output)
 {
-    return !output.isNamed() || output.isOpen() || complain("File is not exist.\n");
+    return !output.hasFailed() || complain("File is not exist.\n");
 }
 
 }  // namespace qrx::iomon

@@ -17,7 +17,6 @@ namespace {
 
 constexpr QRX_U8 kSubCounters = 0x1F;
 constexpr QRX_U8 kSubWindows = 0x20;
-constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
 
 // Reads the table that a command leaves at the head of its answer. 0, or the device's status after `failure`.
 template <class Table>

@@ -15,8 +15,6 @@ inline constexpr Keyword kSwitch[] = {{"enable", 1}, {"disable", 0}};
 enum Type : QRX_U8 { kAdapter, kPd };
 inline constexpr Keyword kTypes[] = {{"adapter", kAdapter}, {"pd", kPd}};
 
-inline constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
-
 AdminCommand command(QRX_U16 which);
 
 // CDW13 for a drive.

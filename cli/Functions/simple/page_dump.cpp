@@ -42,7 +42,7 @@ int dumpPage(int argc, char** argv, PCommand_Info row, const PageDump& dump)
     if (scan.repeated("a")) {
         return duplicateOption();
     }
-    if (output.isNamed() && !output.isOpen()) {
+    if (output.hasFailed()) {
         return refuse(dump.missingFile, "File is not exist.\n");
     }
     dump.command.debug();
@@ -51,8 +51,8 @@ int dumpPage(int argc, char** argv, PCommand_Info row, const PageDump& dump)
         return refuse(status, "\nUnable to dump NVMe Controller info from NVMe Controller %d\n", gCurrentAdapter);
     }
     if (output.isNamed()) {
-        if (!output.write(page) || !output.close()) {
-            return output.refuse(row);
+        if (const int lost = output.save(row, page)) {
+            return lost;
         }
     } else if (scan.has('a')) {
         dump.show(page);

@@ -36,7 +36,6 @@ constexpr option kLong[] = {
 };
 
 constexpr QRX_U8 kSubReadAer = 0x0C;
-constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
 
 // Bits of a register, counted from its first byte on.
 struct Field {
@@ -113,7 +112,7 @@ void showRegisters(const qrx::Response& response)
 
 int get_pd_aer(QRX_U32 pd_id)
 {
-    const auto command = qrx::vendorCommand(kGroupPd, kSubReadAer).word(10, kWholePage).word(14, pd_id);
+    const auto command = qrx::vendorCommand(kGroupPd, kSubReadAer).word(10, qrx::kWholePage).word(14, pd_id);
     command.debug();
     qrx::Response response;
     if (const int status = command.receive(response.bytes())) {

@@ -61,7 +61,6 @@ constexpr qrx::Keyword kActions[] = {{"on", kCseOn}, {"off", 0}};
 constexpr qrx::Keyword kFunctions[] = {{"PF", 0}, {"VF", kCseVirtualFunctions}};
 
 constexpr QRX_U8 kSubEnable = 0x16;
-constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
 
 struct Wish {
     QRX_U32 action = 0;
@@ -108,7 +107,7 @@ int enable(const Wish& wish)
     std::array<QRX_U8, qrx::wire::kPageSize> page{};
     (void)qrx::wire::write(page, 0, wish.opcodes);  // it fits
     const auto command = qrx::vendorCommand(kGroupAdapter, kSubEnable, 0, kVendorWrite)
-                             .word(10, kWholePage)
+                             .word(10, qrx::kWholePage)
                              .word(14, wish.action | wish.functions);
     command.debug();
     if (dbg_enable != 0) {

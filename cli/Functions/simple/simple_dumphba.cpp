@@ -29,7 +29,6 @@ const char simple_dumphba_help[] =
 namespace {
 
 constexpr QRX_U8 kSubReadHbaInfo = 0x0F;
-constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
 
 const char* onOff(QRX_U8 value)
 {
@@ -67,6 +66,6 @@ void _showSpecificData(const _hba_info& info)
 
 int doSDUMPHBA(int argc, char** argv, PCommand_Info pCmdInfo)
 {
-    const auto command = qrx::vendorCommand(kGroupAdapter, kSubReadHbaInfo).word(10, kWholePage);
+    const auto command = qrx::vendorCommand(kGroupAdapter, kSubReadHbaInfo).word(10, qrx::kWholePage);
     return qrx::dumpPage(argc, argv, pCmdInfo, {command, show, kMissingFile});
 }

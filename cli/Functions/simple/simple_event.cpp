@@ -41,13 +41,12 @@ constexpr option kLong[] = {
 };
 
 constexpr QRX_U8 kSubReadEvents = 4;
-constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
 
 // Reads the pages of the ring one by one. Returns the status of the last.
 int readRing(qrx::EventRing& ring)
 {
     qrx::AdminCommand command = qrx::vendorCommand(kGroupDump, kSubReadEvents);
-    command.word(10, kWholePage).word(13, 0).word(14, qrx::wire::kPageSize);
+    command.word(10, qrx::kWholePage).word(13, 0).word(14, qrx::wire::kPageSize);
     int status = 0;
     for (QRX_U32 page = 0; page < kEventPages; ++page) {
         command.debug();  // with the offset of the page before

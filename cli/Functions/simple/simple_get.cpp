@@ -43,7 +43,6 @@ constexpr qrx::Keyword kObjects[] = {{"hba", 0}};
 constexpr int kEveryController = 255;
 constexpr int kOneRequest = 1;
 constexpr QRX_U8 kSubReadConfig = 1;
-constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
 
 // Stores the option's argument; false after a complaint.
 bool read(int letter, const char* word, int& id)
@@ -120,7 +119,7 @@ int doSGet(int argc, char** argv, PCommand_Info pCmdInfo)
 
 int qrx::readConfig(QRX_U8 adapter, NVME_Adapter_Config& config)
 {
-    const auto command = vendorCommand(kGroupAdapter, kSubReadConfig).word(10, kWholePage);
+    const auto command = vendorCommand(kGroupAdapter, kSubReadConfig).word(10, qrx::kWholePage);
     command.debug();
     Response response;
     const int status = command.receive(response.bytes(), adapter);

@@ -77,8 +77,6 @@ constexpr option kLong[] = {
 };
 constexpr qrx::Keyword kActions[] = {{"show", kShow}, {"on", kOn}, {"off", kOff}};
 
-constexpr QRX_U32 kWholePage = 1023;  // CDW10: dwords less 1
-
 // What differs between the two.
 struct Log {
     const char* name;
@@ -96,7 +94,7 @@ int refuseLog(int result, const Log& log)
 
 qrx::AdminCommand readCommand(QRX_U8 subOpcode)
 {
-    return qrx::vendorCommand(kGroupDump, subOpcode).word(10, kWholePage);
+    return qrx::vendorCommand(kGroupDump, subOpcode).word(10, qrx::kWholePage);
 }
 
 // Makes one blank of the zero bytes behind a line feed. Returns what is left of the text.
@@ -159,7 +157,7 @@ int statusOf(const Log& log)
 
 int showLog(const Log& log, PCommand_Info row, qrx::OutputFile& output)
 {
-    if (output.isNamed() && !output.isOpen()) {
+    if (output.hasFailed()) {
         return output.refuse(row);
     }
     if (statusOf(log) == 0) {

@@ -31,6 +31,6 @@ void _showLightData(std::span<const QRX_U8, qrx::wire::kPageSize> /*page*/)
 
 int doLINFO(int argc, char** argv, PCommand_Info pCmdInfo)
 {
-    const auto command = qrx::security::command(kSecurityLight).word(10, qrx::security::kWholePage);
+    const auto command = qrx::security::command(kSecurityLight).word(10, qrx::kWholePage);
     return qrx::dumpPage(argc, argv, pCmdInfo, {command, _showLightData, 1});
 }

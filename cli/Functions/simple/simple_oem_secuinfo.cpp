@@ -91,7 +91,7 @@ bool read(int letter, const char* word, Wish& wish)
 
 int get()
 {
-    const auto command = qrx::security::command(kSecurityInfo).word(10, qrx::security::kWholePage);
+    const auto command = qrx::security::command(kSecurityInfo).word(10, qrx::kWholePage);
     command.debug();
     std::array<QRX_U8, qrx::wire::kPageSize> page{};
     const int status = command.receive(page);

@@ -84,7 +84,7 @@ bool read(int letter, const char* word, Wish& wish)
 
 int readBlock(PCommand_Info row, Wish& wish)
 {
-    if (wish.output.isNamed() && !wish.output.isOpen()) {
+    if (wish.output.hasFailed()) {
         return wish.output.refuse(row);
     }
     Block block{};
@@ -95,8 +95,8 @@ int readBlock(PCommand_Info row, Wish& wish)
     }
     if (!wish.output.isNamed()) {
         _showRAWData(block.data(), static_cast<int>(block.size()));
-    } else if (!wish.output.write(block) || !wish.output.close()) {
-        return wish.output.refuse(row);
+    } else if (const int lost = wish.output.save(row, block)) {
+        return lost;
     }
     return refuse(0, "Read SPI successful.\n");
 }

@@ -105,7 +105,7 @@ int doMIAdminReceive(int argc, char** argv, PCommand_Info pCmdInfo)
     if (wish.length > kMiAdminDataMax) {
         return qrx::mi::refuseLength(pCmdInfo, wish.length, kMiAdminDataMax);
     }
-    if (wish.output.isNamed() && !wish.output.isOpen()) {
+    if (wish.output.hasFailed()) {
         return wish.output.refuse(pCmdInfo);
     }
     std::array<QRX_U8, sizeof(Answer)> bytes{};
@@ -118,7 +118,7 @@ int doMIAdminReceive(int argc, char** argv, PCommand_Info pCmdInfo)
     constexpr std::size_t kData = offsetof(Answer, NVMe_Response_Data);
     const auto data = std::span<const QRX_U8, sizeof(Answer)>(bytes).subspan<kData, kMiAdminDataMax>();
     if (wish.output.isNamed()) {
-        return wish.output.write(data) && wish.output.close() ? 0 : wish.output.refuse(pCmdInfo);
+        return wish.output.save(pCmdInfo, data);
     }
     show(wish, data);
     return 0;

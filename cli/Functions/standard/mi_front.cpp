@@ -33,10 +33,10 @@ std::optional<int> Front::read(int argc, char** argv)
     if (scan.repeated(options_.known())) {
         return duplicateOption();
     }
-    if (output_.isNamed() && !output_.isOpen()) {
+    if (output_.hasFailed()) {
         return output_.refuse(row_);
     }
-    if (input_.isNamed() && !input_.isOpen()) {
+    if (input_.hasFailed()) {
         return input_.refuse(row_);
     }
     return std::nullopt;

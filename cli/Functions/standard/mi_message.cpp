@@ -105,7 +105,7 @@ void showContent(std::span<const QRX_U8> bytes, std::size_t first)
 int deliver(PCommand_Info row, OutputFile& output, std::span<const QRX_U8> bytes)
 {
     if (output.isNamed()) {
-        return output.write(bytes) && output.close() ? 0 : output.refuse(row);
+        return output.save(row, bytes);
     }
     showContent(bytes);
     return 0;

@@ -115,7 +115,7 @@ nvmemi_admin_command_request_message requestFor(QRX_U32 disk)
 int deliver(PCommand_Info row, Wish& wish, std::span<const QRX_U8> data)
 {
     if (wish.output.isNamed()) {
-        return wish.output.write(data.first(wish.length)) && wish.output.close() ? 0 : wish.output.refuse(row);
+        return wish.output.save(row, data.first(wish.length));
     }
     qrx::print("content.....\n");
     showWords(data.first(kShownOfAnswer));
@@ -133,7 +133,7 @@ int doMIPassthruRead(int argc, char** argv, PCommand_Info pCmdInfo)
             qrx::passOptions(scan, pCmdInfo, "iolf", 0, [&](int letter) { return read(letter, scan.word(), wish); })) {
         return *result;
     }
-    if (wish.output.isNamed() && !wish.output.isOpen()) {
+    if (wish.output.hasFailed()) {
         return wish.output.refuse(pCmdInfo);
     }
     if (wish.output.isNamed() && wish.length > kIdentifySize) {

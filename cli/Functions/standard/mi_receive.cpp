@@ -78,7 +78,7 @@ int doMIReceive(int argc, char** argv, PCommand_Info pCmdInfo)
     if (wish.length > qrx::mi::kAnswerDataMax) {
         return qrx::mi::refuseLength(pCmdInfo, wish.length, qrx::mi::kAnswerDataMax);
     }
-    if (wish.output.isNamed() && !wish.output.isOpen()) {
+    if (wish.output.hasFailed()) {
         return wish.output.refuse(pCmdInfo);
     }
     std::array<QRX_U8, qrx::wire::kPageSize> page{};

@@ -107,7 +107,7 @@ int qrx::mi::readVpd(int argc, char** argv, PCommand_Info row, bool headInWords)
     if (wish.length > most) {
         return refuseLength(row, wish.length, most);
     }
-    if (wish.output.isNamed() && !wish.output.isOpen()) {
+    if (wish.output.hasFailed()) {
         return wish.output.refuse(row);
     }
     showRange(wish.offset, wish.length);

@@ -193,7 +193,7 @@ int send(const IoCommand& command, PCommand_Info row, Wish& wish, std::span<QRX_
         return 0;
     }
     if (wish.output.isNamed()) {
-        return wish.output.write(data) && wish.output.close() ? 0 : wish.output.refuse(row);
+        return wish.output.save(row, data);
     }
     _showRAWData(data.data(), static_cast<int>(length));
     return 0;
@@ -219,7 +219,7 @@ int qrx::io::carryOut(int argc, char** argv, PCommand_Info row, const IoCommand&
     if (refusedInRaid()) {
         return kRaidResult;
     }
-    if (wish.output.isNamed() && !wish.output.isOpen()) {
+    if (wish.output.hasFailed()) {
         return wish.output.refuse(row);
     }
     alignas(wire::kPageSize) std::array<QRX_U8, kMostData> block{};

@@ -94,7 +94,7 @@ bool read(int letter, const char* word, Wish& wish)
 
 int readVpd(PCommand_Info row, Wish& wish)
 {
-    if (wish.output.isNamed() && !wish.output.isOpen()) {
+    if (wish.output.hasFailed()) {
         return wish.output.refuse(row);
     }
     Vpd vpd{};
@@ -104,7 +104,7 @@ int readVpd(PCommand_Info row, Wish& wish)
         return refuse(static_cast<int>(status), "Read VPD failed.\n");
     }
     if (wish.output.isNamed()) {
-        return wish.output.write(vpd) && wish.output.close() ? 0 : wish.output.refuse(row);
+        return wish.output.save(row, vpd);
     }
     _showRAWData(vpd.data(), static_cast<int>(vpd.size()));
     return 0;

@@ -19,6 +19,8 @@
 
 namespace qrx {
 
+inline constexpr QRX_U32 kWholePage = wire::kPageSize / 4 - 1;  // CDW10 of a page: dwords less 1
+
 // A zeroed record that knows which of its words were filled.
 class AdminCommand {
 public:

@@ -22,6 +22,8 @@ public:
     [[nodiscard]] bool isNamed() const { return name_ != nullptr; }
     // Nothing has failed since it was named.
     [[nodiscard]] bool isOpen() const { return isNamed() && trouble_ == Trouble::kNone; }
+    // Something has.
+    [[nodiscard]] bool hasFailed() const { return isNamed() && trouble_ != Trouble::kNone; }
 
 protected:
     enum class Trouble : QRX_U8 { kNone, kOpen, kRead, kLength, kWrite };

@@ -40,6 +40,11 @@ bool OutputFile::close()
     return trouble() == Trouble::kNone;
 }
 
+int OutputFile::save(PCommand_Info row, std::span<const QRX_U8> bytes)
+{
+    return write(bytes) && close() ? 0 : refuse(row);
+}
+
 int OutputFile::refuse(PCommand_Info row) const
 {
     return trouble() == Trouble::kOpen

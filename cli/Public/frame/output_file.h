@@ -3,7 +3,7 @@
 //
 //     OutputFile output;                                      // before the option pass; closed at its end
 //     case '1': output.open(scan.word()); break;              // in the option pass
-//     if (output.isNamed() && !output.isOpen()) return output.refuse(pCmdInfo);    // before anything is sent
+//     if (output.hasFailed()) return output.refuse(pCmdInfo); // before anything is sent
 //     ...
 //     output.write(data);                                     // as often as there is something
 //     if (!output.close()) return output.refuse(pCmdInfo);
@@ -27,6 +27,8 @@ public:
     bool write(std::span<const QRX_U8> bytes);
     // False when the file does not hold everything that was to be written.
     bool close();
+    // The whole content at once: writes, closes, and says what is wrong, as refuse() does. Returns 0, or 1.
+    [[nodiscard]] int save(PCommand_Info row, std::span<const QRX_U8> bytes);
 
     // Says on `stream` why the file could not be opened, or that it is incomplete and why. There must have been a
     // failure. Returns 1.
