@@ -95,6 +95,14 @@ bool selectController(const Arguments& arguments)
     return true;
 }
 
+// Says so when standard output could not take everything.
+void tellOfLostOutput()
+{
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::fputs("qrx_cli: cannot write all of the output\n", stderr);
+    }
+}
+
 int runCommand(const Arguments& arguments, const Host& host)
 {
     const int first = arguments.vid != 0 ? 2 : 1;
@@ -202,7 +210,9 @@ int run(int argc, char** argv, const Host& host)
             return 1;
         }
     }
-    return wantsShell(arguments) ? runShell(host) : runCommand(arguments, host);
+    const int result = wantsShell(arguments) ? runShell(host) : runCommand(arguments, host);
+    tellOfLostOutput();
+    return result;
 }
 
 }  // namespace qrx

@@ -44,6 +44,9 @@ int run(const Options& options)
 
 int main(int argc, char** argv)
 try {
+    if (!fill_closed_streams()) {
+        return kExitOwnFailure;
+    }
     outlive_full_files();
     const std::span<const char* const> words(argv, static_cast<std::size_t>(argc));
     const Result<Options> options = parse_options(words.empty() ? words : words.subspan(1));

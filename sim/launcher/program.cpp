@@ -1,5 +1,6 @@
 #include "sim/launcher/program.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/signalfd.h>
 #include <sys/socket.h>
@@ -272,6 +273,17 @@ int start_and_serve(Host& host, const ProgramOptions& options, Attendant* attend
 void outlive_full_files()
 {
     action_on_full_files = signal(SIGXFSZ, SIG_IGN);
+}
+
+bool fill_closed_streams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        const int unusable = stream == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        if (fcntl(stream, F_GETFD) == -1 && open("/dev/null", unusable) != stream) {
+            return false;
+        }
+    }
+    return true;
 }
 
 int run_program(Host& host, const ProgramOptions& options, Attendant* attendant)

@@ -26,6 +26,10 @@ inline constexpr int kExitNotFound = 127;
 // start with what was before.
 void outlive_full_files();
 
+// Puts something unusable in the place of each standard stream that is closed: what is meant for the screen must not go
+// into a file that would be opened there. False when that failed.
+[[nodiscard]] bool fill_closed_streams();
+
 // Runs the program to its end. Its exit value, 128 + signal when it was killed, or one of the above, with a message on
 // standard error. SIGTERM and SIGHUP are passed on to the program, which is killed if it does not end upon it; SIGINT
 // and SIGQUIT are left to it. An attendant has its turn between calls.

@@ -45,6 +45,17 @@ def processor_seconds(pid):
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
+def open_files(pid):
+    """What stands behind each descriptor of the process, by its number."""
+    links = {}
+    for descriptor in pathlib.Path(f"/proc/{pid}/fd").iterdir():
+        try:
+            links[descriptor.name] = str(descriptor.readlink())
+        except OSError:
+            continue
+    return links
+
+
 def started_commands(process_id):
     """Waits until start-up is over and the shell waits for input."""
     deadline = time.monotonic() + TIMEOUT
@@ -57,10 +68,10 @@ def started_commands(process_id):
 
 
 class Shell(unittest.TestCase):
-    def shell(self, *arguments, scenario="raid", simulator=()):
+    def shell(self, *arguments, scenario="raid", simulator=(), encoding="ascii"):
         """A shell in a terminal, its prompt standing. Ended, with all under it, when the test is over."""
         child = pexpect.spawn("qrx_sim", ["--scenario", scenario, *simulator, "--", "qrx_cli", *arguments],
-                              env=ENVIRONMENT, timeout=TIMEOUT, encoding="ascii", dimensions=(50, 250))
+                              env=ENVIRONMENT, timeout=TIMEOUT, encoding=encoding, dimensions=(50, 250))
         child.delaybeforesend = None
         self.addCleanup(child.close, force=True)
         send = child.send
@@ -109,6 +120,28 @@ class Shell(unittest.TestCase):
     def test_a_blank_line_tells_how_to_leave(self):
         child = self.shell()
         self.says(child, "", "Type 'exit' to exit CLI.\n")
+
+    def test_a_line_in_utf_8_arrives_whole(self):
+        child = self.shell(encoding="utf-8")
+        self.says(child, "help h\u00e9\u20ac", "No help available for 'h\u00e9\u20ac'\n")
+
+    def test_a_closed_standard_stream_is_never_a_device(self):
+        with subprocess.Popen(["qrx_sim", "--scenario", "boot", "--", "bash", "-c", "exec qrx_cli <&- >&- 2>&-"],
+                              env=ENVIRONMENT) as process:
+            pid = None
+            try:
+                pid = started_commands(process.pid)
+                links = {}
+                deadline = time.monotonic() + TIMEOUT
+                while not any("/dev/nvme" in link for link in links.values()) and time.monotonic() < deadline:
+                    time.sleep(0.05)
+                    links = open_files(pid)
+                self.assertTrue(any("/dev/nvme" in link for link in links.values()), links)
+                self.assertEqual([links.get(stream) for stream in "012"], ["/dev/null"] * 3)
+            finally:
+                for victim in (pid, process.pid):
+                    if victim:
+                        os.kill(victim, 9)
 
     def test_a_leading_blank_makes_an_empty_first_word(self):
         child = self.shell()
