@@ -86,6 +86,10 @@ QRX_U32 download(QRX_U8 adapterID, const char* filename, QRX_U32 pd_id)
         status = command.transmit(std::span(buffer).first(data_len), adapterID);
         offset += data_len;
     }
+    if (status == 0 && get_file_length_for_flash() != total_size) {
+        print("file %s has grown\n", filename);
+        return 1;
+    }
     if (status == 0) {
         return 0;
     }

@@ -125,6 +125,17 @@ TEST_F(FlashEngine, InitOfAnImageForActionThreeLeavesResultAndPercentage)
     flash->destructor(flash);
 }
 
+TEST_F(FlashEngine, InitOfARawImageForActionThreeTakesItsCrc)
+{
+    const Bytes image = rawImage({0x80, 0x80, 0x80});
+    PQRXFlash flash = CreateQRXFlashAdapterInstance(1, 3, 1);
+    EXPECT_EQ(init(flash, scratch.file("f", textOf(image))), 0U);
+    EXPECT_EQ(flash->m_file->m_checksum_ret, 0U);
+    EXPECT_EQ(flash->m_file->m_crc, headerCrc(image));
+    EXPECT_EQ(bar->getPercentage(bar), 0);
+    flash->destructor(flash);
+}
+
 TEST_F(FlashEngine, InitWithNoImageForActionsTwoAndThree)
 {
     for (const QRX_U8 ca : Bytes{2, 3}) {
@@ -168,6 +179,30 @@ TEST_F(FlashEngine, ThePercentageRisesWithTheSegments)
     machine.expect(commit(9));
     flash->active(flash);
     EXPECT_EQ(bar->getPercentage(bar), 100);
+    flash->destructor(flash);
+}
+
+TEST_F(FlashEngine, OfWholeSegmentsTheDownloadsShareIsNinetyNine)
+{
+    const Bytes image = pattern(2 * kSegmentSize);
+    PQRXFlash flash = CreateQRXFlashAdapterInstance(1, 1, 0);
+    ASSERT_EQ(init(flash, scratch.file("f", textOf(image))), 0U);
+    expectImage(image);
+    flash->download(flash);
+    EXPECT_EQ(bar->getPercentage(bar), 99);
+    EXPECT_EQ(flash->m_file->m_offset, 8192U);
+    flash->destructor(flash);
+}
+
+TEST_F(FlashEngine, TheOffsetCountsTheLastSegmentWhole)
+{
+    const Bytes image = pattern(5000);
+    PQRXFlash flash = CreateQRXFlashAdapterInstance(1, 1, 0);
+    ASSERT_EQ(init(flash, scratch.file("f", textOf(image))), 0U);
+    expectImage(image);
+    flash->download(flash);
+    EXPECT_EQ(flash->m_file->m_offset, 8192U);
+    EXPECT_EQ(bar->getPercentage(bar), 161);
     flash->destructor(flash);
 }
 

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <filesystem>
 
 #include "api/src/interface/flash.h"
 #include "tests/unit/cli/flash_fixture.h"
@@ -174,6 +175,39 @@ TEST_F(FlashController, AFileThatShrinksWhileItIsSentIsNotCommitted)
         return static_cast<ssize_t>(count);
     };
     machine.expect(segment(0, segmentsOf(image)[0]));
+    EXPECT_EQ(flash(path), refusedByWorker);
+}
+
+TEST_F(FlashController, AFileThatGrowsWhileItIsSentIsNotCommitted)
+{
+    const Bytes image = pattern(2 * kSegmentSize);
+    const std::string path = fileOf(image);
+    int reads = 0;  // the check, and two segments
+    int growing = 1;
+    libc.onRead = [&](int, void* data, std::size_t count) {
+        if (++reads == growing) {
+            std::filesystem::resize_file(path, image.size() + 1);
+        }
+        const std::size_t offset = reads == 3 ? kSegmentSize : 0;
+        std::copy_n(image.begin() + static_cast<std::ptrdiff_t>(offset), count, static_cast<QRX_U8*>(data));
+        return static_cast<ssize_t>(count);
+    };
+    EXPECT_EQ(flash(path), refusedByWorker);
+    for (growing = 2; growing <= 3; ++growing) {
+        std::filesystem::resize_file(path, image.size());
+        reads = 0;
+        machine.expect(segment(0, segmentsOf(image)[0]));
+        machine.expect(segment(1, segmentsOf(image)[1]));
+        EXPECT_EQ(flash(path), refusedByWorker) << growing;
+    }
+}
+
+TEST_F(FlashController, OnlyTheFileThatWasCheckedIsSent)
+{
+    // Each opening takes a single quote off the end of the name.
+    const std::string path = scratch.file("image''", textOf(pattern(kSegmentSize)));
+    const std::string second = scratch.file("image'", textOf(pattern(kSegmentSize)));
+    const std::string third = scratch.file("image", textOf(pattern(2 * kSegmentSize)));
     EXPECT_EQ(flash(path), refusedByWorker);
 }
 

@@ -216,6 +216,26 @@ TEST_F(FlashDisk, AFileThatShrinksWhileItIsSentIsNotCommitted)
     EXPECT_EQ(sent, 1);
 }
 
+TEST_F(FlashDisk, AFileThatGrowsWhileItIsSentIsNotCommitted)
+{
+    static std::string growing;
+    growing = fileOf(pattern(2 * kSegmentSize));
+    machine.clear();
+    PDevice device = GetDeviceManagementInstance()->m_devs[1]->getNVMEDevice(GetDeviceManagementInstance()->m_devs[1]);
+    static int sent;
+    sent = 0;
+    device->sendPassthruAdmin = [](PDevice, void*, void*, QRX_U16, void*, QRX_U16, QRX_U32*) -> QRX_U32 {
+        ++sent;
+        EXPECT_EQ(truncate(growing.c_str(), 2 * kSegmentSize + 1), 0);
+        return 0;
+    };
+    EXPECT_EQ(flash(growing), (Outcome{1,
+                                       "Download firmware percentage:0\nDownload firmware percentage:50\n"
+                                       "file " +
+                                           growing + " has grown\n"}));
+    EXPECT_EQ(sent, 2);
+}
+
 TEST_F(FlashDisk, TheDiskIsNamedByTheNumberingInUse)
 {
     g_oneBaseMode = 1;

@@ -55,7 +55,7 @@ bool checkImage(PQRXFlash flash, char* name, QRX_U32 length)
         return false;
     }
     const QRX_U8* image = file->read(file);
-    if (image == nullptr || file->m_got != length) {
+    if (image == nullptr || file->m_got != length || file->get_file_length(file) != length) {
         return false;
     }
     flash->m_checked_crc = crc32(qrx::kCrcStart, image, length);
@@ -96,6 +96,9 @@ QRX_U32 QRXFlash_init(PQRXFlash _this, char* name, QRX_U8 adapter)
     }
     const QRX_U32 opened = file->open_for_read(file, name, _this->m_segment_size);
     if (opened == 0) {
+        if (file->get_file_length(file) != length) {
+            return 1;
+        }
         findDevice(_this, adapter);
         _this->m_total_size = static_cast<QRX_U32>(length);
     }
@@ -138,7 +141,8 @@ void QRXFlash_download(PQRXFlash _this)
         progress->setPercentage(progress,
                                 static_cast<QRX_U8>(file->get_offset(file) * kSegmentsShare / _this->m_total_size + 1));
     } while (_this->m_total_size > file->get_offset(file) && status == 0);
-    if (status == 0 && sent_crc != _this->m_checked_crc) {  // not the image that was checked
+    // Not the image that was checked, or no longer all of it.
+    if (status == 0 && (sent_crc != _this->m_checked_crc || file->get_file_length(file) != _this->m_total_size)) {
         fail(_this);
     }
 }
