@@ -38,7 +38,9 @@ void describe_registers(Io& io, PcieInterface& interface)
     io.list("registers", registers, 2 * PcieInterface::kMostRegisters, [&](auto& inner, Register& entry) {
         inner.number("address", entry.address, 0, kAny32);
         inner.check(entry.address % 4 == 0, "address", "is no multiple of 4");
-        inner.number("value", entry.value, PcieInterface::in_phy(entry.address) ? 0 : 1, kAny32);
+        const bool may_be_zero = PcieInterface::in_phy(entry.address);
+        inner.number("value", entry.value, may_be_zero ? 0 : 1, kAny32);
+        inner.check(may_be_zero || entry.value != 0, "value", "is missing");
         if (Io::kReads && !inner.failed()) {
             inner.check(seen.insert(entry.address).second, "address", "occurs twice");
             interface.restore(entry.address, entry.value);

@@ -75,6 +75,7 @@ int refuseStatus(QRX_U32 status)
 int showPages(qrx::OutputFile& output)
 {
     constexpr int kPagesMax = 20;
+    qrx::ConsoleText screen;
     for (int i = 0; i < kPagesMax; ++i) {
         NVME_Debug_Dump_Request page{};
         if (const QRX_U32 status = QRX_Dump_Console(gCurrentAdapter, &page)) {
@@ -89,10 +90,11 @@ int showPages(qrx::OutputFile& output)
             break;
         }
         const std::span<const QRX_U8> text = std::span(page.data).first(length);
-        qrx::showConsoleText(text);
+        screen.show(text);
         output.write(text);  // a disk that is full is told at the end: the screen gets the rest all the same
     }
-    qrx::print("\n");
+    constexpr QRX_U8 kLineEnd[]{'\n'};
+    screen.show(kLineEnd);
     return 0;
 }
 

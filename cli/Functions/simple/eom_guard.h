@@ -24,7 +24,7 @@ public:
     void release();
 
 private:
-    static constexpr std::array kTaken{SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+    static constexpr std::array kTaken{SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE};
 
     std::array<struct sigaction, kTaken.size()> before_{};
     bool held_ = true;

@@ -56,19 +56,27 @@ void remember(std::optional<QRX_U32>& setting, QRX_U32 value)
     }
 }
 
-// Switches the monitor on or off, and waits until it is.
+// Switches the monitor on or off, and waits until it is. A register that was never read is not written: it could not be
+// put back.
 void enable(bool on)
 {
+    constexpr int kAttempts = 3;
     EomCircuitCtrl_t circuit{};
-    if (readRegister(id, g_base_addr + kCircuit, circuit.all)) {
+    bool read = false;
+    for (int attempt = 0; attempt < kAttempts && !read; ++attempt) {
+        read = readRegister(id, g_base_addr + kCircuit, circuit.all);
+    }
+    if (read) {
         remember(scan.settings.circuit, circuit.all);
+    } else if (scan.settings.circuit) {
+        circuit.all = *scan.settings.circuit;
     } else {
-        circuit.all = scan.settings.circuit.value_or(0);
+        scan.stop = Stop::kUnreadable;
+        return;
     }
     circuit.b.EOM_EN = on;
     set(kCircuit, circuit.all);
     Wait wait;
-    bool read = false;
     do {
         read = readRegister(id, g_base_addr + kCircuit, circuit.all);
     } while ((circuit.b.EOM_READY != 0) != on && wait.goOn(read));

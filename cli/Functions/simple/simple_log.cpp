@@ -117,8 +117,10 @@ std::span<QRX_U8> repair(std::span<QRX_U8> text)
 // returns after a complaint.
 int showPages(const Log& log, qrx::OutputFile& output)
 {
+    constexpr int kPagesMax = 65536;  // 256 MiB: no controller keeps as much
     const qrx::AdminCommand command = readCommand(log.readSub);
-    for (bool first = true;; first = false) {
+    qrx::ConsoleText screen;
+    for (int pages = 0; pages < kPagesMax; ++pages) {
         qrx::Response response;
         command.debug();
         if (const int status = command.receive(response.bytes())) {
@@ -129,15 +131,16 @@ int showPages(const Log& log, qrx::OutputFile& output)
             return qrx::refuse(1, "Error %s data length: %d\n", log.name, length);
         }
         if (length == 0) {
-            if (first) {
+            if (pages == 0) {
                 qrx::print("No %s log\n", log.name);
             }
             return 0;
         }
         const std::span<QRX_U8> text = repair(response.bytes().subspan(kLogTextOffset, length));
-        qrx::showConsoleText(text);
+        screen.show(text);
         output.write(text);  // a disk that is full is told at the end: the screen gets the rest all the same
     }
+    return qrx::refuse(1, "The %s log has no end: only its first %d pages are shown\n", log.name, kPagesMax);
 }
 
 // As getStatus.

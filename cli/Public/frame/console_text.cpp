@@ -9,17 +9,32 @@
 
 namespace qrx {
 
-void showConsoleText(std::span<const QRX_U8> text)
+ConsoleText::~ConsoleText()
+{
+    release(false);
+}
+
+void ConsoleText::show(std::span<const QRX_U8> piece)
 {
     if (isatty(fileno(stream)) == 0) {
-        (void)std::fwrite(text.data(), 1, text.size(), stream);
+        (void)std::fwrite(piece.data(), 1, piece.size(), stream);
         return;
     }
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const QRX_U8 byte = text[i];
-        const bool lineEnd = byte == '\n' || (byte == '\r' && i + 1 < text.size() && text[i + 1] == '\n');
-        std::fputc(lineEnd || byte == '\t' || (byte >= ' ' && byte <= '~') ? byte : '?', stream);
+    for (const QRX_U8 byte : piece) {
+        release(byte == '\n');
+        held_ = byte == '\r';
+        if (!held_) {
+            std::fputc(byte == '\n' || byte == '\t' || (byte >= ' ' && byte <= '~') ? byte : '?', stream);
+        }
     }
+}
+
+void ConsoleText::release(bool lineFeed)
+{
+    if (held_) {
+        std::fputc(lineFeed ? '\r' : '?', stream);
+    }
+    held_ = false;
 }
 
 }  // namespace qrx

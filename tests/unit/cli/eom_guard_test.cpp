@@ -97,6 +97,32 @@ TEST_F(EomCommand, WhatAFailedReadTookFromARegisterIsPutBack)
     EXPECT_EQ(phy.registers[kCircuit] & ~0xC00U, 0xABCD5370U);
 }
 
+TEST_F(EomCommand, TheFirstReadOfASettingIsTriedThreeTimes)
+{
+    openEye(40, 55);
+    phy.registers[kCircuit] = 0xABCD5370;
+    int failing = 0;
+    int reads = 0;
+    phy.status = [&](const Access& access, std::size_t) {
+        return access.offset == kCircuit && !access.write && ++reads <= failing ? 0x704U : 0U;
+    };
+    for (failing = 1; failing < 3; ++failing) {
+        reads = 0;
+        EXPECT_NE(command({"eom", "-i", "0"}).stream.find("End of EOM capture\n"), std::string::npos);
+        EXPECT_EQ(phy.registers[kCircuit] & ~0xC00U, 0xABCD5370U) << failing;
+    }
+    phy.accesses.clear();
+    reads = 0;
+    const std::string page = command({"eom", "-i", "0"}).stream;
+    EXPECT_EQ(page,
+              "InitEOM...\nRead register failed.\nRead register failed.\nRead register failed.\n"
+              "\nThe eye opening monitor cannot be read.\nThe settings of the PHY are restored.\n");
+    EXPECT_EQ(phy.registers[kCircuit] & ~0xC00U, 0xABCD5370U);
+    for (const Access& access : phy.accesses) {  // the one write at the end switches the monitor off as it was
+        EXPECT_TRUE(!access.write || access.offset != kCircuit || (access.value & ~0xC00U) == 0xABCD5370U);
+    }
+}
+
 TEST_F(EomCommand, WhatCouldNotBeReadIsNotChanged)
 {
     openEye(40, 55);
@@ -254,7 +280,7 @@ void scanUntil(int signal, FakePhy& phy)
 TEST_F(EomCommand, ASignalToEndEndsTheProcessWhenTheSettingsAreBack)
 {
     openEye(40, 55);
-    for (const int signal : {SIGTERM, SIGHUP, SIGPIPE}) {
+    for (const int signal : {SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}) {
         EXPECT_EXIT(scanUntil(signal, phy), testing::ExitedWithCode(77), "") << signal;
     }
 }

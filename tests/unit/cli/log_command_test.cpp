@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "api/src/device/common/DeviceManagement.h"
 #include "cli/Functions/simple/simple_log.h"
 #include "cli/Public/utility.h"
 #include "tests/unit/cli/file_texts.h"
@@ -241,7 +242,7 @@ TEST_F(LogCommand, OnATerminalControlCharactersAreNot)
     ASSERT_EQ(openpty(&control, &terminal, nullptr, nullptr, nullptr), 0);
     FILE* const shown = fdopen(terminal, "w");
     isOn();
-    pages({"a\tb\r\nc\rd\x1B[31m\x9B\x7F\n"});
+    pages({"a\tb\r\nc\rd\x1B[31m\x9B\x7F\n", "e\r", "\nf\r", "g\r"});
     pCmdTable = generalCmdTableV1;
     cmdTableSize = static_cast<QRX_U16>(generalCmdTableV1Size());
     const int result = outcomeOf([&] {
@@ -252,12 +253,28 @@ TEST_F(LogCommand, OnATerminalControlCharactersAreNot)
     std::fclose(shown);
     std::string text;
     char byte = 0;
-    while (read(control, &byte, 1) == 1) {        // until there is nothing left behind the closed terminal
-        text.append(byte == '\r' ? 0 : 1, byte);  // the terminal puts its own in front of each line feed
+    while (read(control, &byte, 1) == 1) {  // until there is nothing left behind the closed terminal
+        text += byte;                       // which puts a carriage return in front of each line feed
     }
     EXPECT_EQ(result, 0);
-    EXPECT_EQ(text, "a\tb\nc?d?[31m??\n" + kSuccess);
+    EXPECT_EQ(text, "a\tb\r\r\nc?d?[31m??\r\ne\r\r\nf?g?cmd success\r\n");
     close(control);
+}
+
+TEST_F(LogCommand, ALogWithoutEndIsGivenUp)
+{
+    machine.clear();
+    static QRX_U32 reads;
+    reads = 0;
+    PDevice device = GetDeviceManagementInstance()->m_devs[1]->getNVMEDevice(GetDeviceManagementInstance()->m_devs[1]);
+    device->sendPassthruAdmin = [](PDevice, void*, void*, QRX_U16, void* out, QRX_U16, QRX_U32*) -> QRX_U32 {
+        const Bytes answer = reads++ == 0 ? envelope(Bytes{1}) : logPage("x");
+        std::copy(answer.begin(), answer.end(), static_cast<QRX_U8*>(out));
+        return 0;
+    };
+    EXPECT_EQ(command({"log", "-a", "show"}),
+              (Outcome{1, std::string(65536, 'x') + "The SPI log has no end: only its first 65536 pages are shown\n"}));
+    EXPECT_EQ(reads, 65537U);
 }
 
 TEST_F(LogCommand, TheFileGetsWhatTheScreenGets)

@@ -131,6 +131,7 @@ TEST(Registers, InAFileAreChecked)
               "x:1: 'address' occurs twice");
     EXPECT_EQ(refusal(R"({"registers": [{"address": 4, "value": 0}]})"),
               "x:1: 'value' is 0; allowed are 1 to 4294967295");
+    EXPECT_EQ(refusal(R"({"registers": [{"address": 4}]})"), "x:1: 'value' is missing");
 }
 
 }  // namespace
