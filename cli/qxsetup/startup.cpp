@@ -195,7 +195,16 @@ int run(int argc, char** argv, const Host& host)
     }
     pCmdTable = generalCmdTableV1;
     cmdTableSize = static_cast<QRX_U16>(generalCmdTableV1Size());
-    host.init();
+    // A start that lacks memory ends here: it may have missed a controller, so that an index would mean another one, or
+    // a disk of the operating system.
+    try {
+        host.init();
+    } catch (const std::bad_alloc&) {
+        std::fputs("qrx_cli: out of memory\n", stderr);
+        host.final();
+        closeStream();
+        return 1;
+    }
     gNumAdaptersFound = static_cast<QRX_U8>(QRX_Adapter_GetCount());
 
     if (gNumAdaptersFound == 0) {

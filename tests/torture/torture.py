@@ -10,6 +10,7 @@ resort. A run that does not is printed with the flags that repeat it alone.
 Start-up is the same for every command, and has the first failures. With `version` each kind of failure befalls it; with
 other commands the first kind of device failure does, and the others begin where the command does. (qrx_unlisted has
 `help` in its place.) With --dense a command of very many steps is tried at its first ones, and at some of the others.
+With --never nothing that the expression matches may stand in the trace of any run, the start included.
 """
 import argparse
 import os
@@ -58,8 +59,10 @@ class Trouble(Exception):
 class Bench:
     """Where the runs take place: the programs, a scenario, and a directory with the files that commands name."""
 
-    def __init__(self, bin_dir, program, scenario, directory):
+    def __init__(self, bin_dir, program, scenario, directory, never):
         self.bin_dir, self.program, self.scenario, self.directory = bin_dir, program, scenario, directory
+        self.never = never and re.compile(never)
+        self.trace = directory / "trace.txt"
         self.environment = os.environ | {"PATH": f"{bin_dir}:/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C"}
         self.files = {name: directory / name for name in ("image", "file", "output")}
         self.files["file"].write_bytes(bytes(4096))
@@ -69,7 +72,8 @@ class Bench:
     def run(self, options, command, prefix=()):
         """Runs the command; raises Trouble unless it ends in an orderly way."""
         self.files["output"].unlink(missing_ok=True)
-        line = [self.bin_dir / "qrx_sim", "--scenario", self.scenario, *options, "--", *prefix, self.program, *shlex.split(command)]
+        self.trace.unlink(missing_ok=True)
+        line = [self.bin_dir / "qrx_sim", "--scenario", self.scenario, "--trace", self.trace, *options, "--", *prefix, self.program, *shlex.split(command)]
         try:
             done = subprocess.run(line, env=self.environment, cwd=self.directory, stdin=subprocess.DEVNULL,
                                   capture_output=True, timeout=SECONDS, check=False)
@@ -81,13 +85,14 @@ class Bench:
             raise Trouble(f"ended by a signal ({done.returncode})\n{text}")
         if LAST_WORDS.search(text):
             raise Trouble(f"complained\n{text}")
+        found = self.never and self.never.search(self.trace.read_text())
+        if found:
+            raise Trouble(f"sent what it must not: {found.group()}\n{text}")
 
     def device(self, command, kind, nth):
         """One run with the n-th device command failing (0: none). Returns how many there were."""
-        trace = self.directory / "trace.txt"
-        fault = ["--fault", f"nth={nth},{DEVICE_FAULTS[kind]}"] if nth else []
-        self.run(["--trace", trace, *fault], command)
-        return len(trace.read_text().splitlines())
+        self.run(["--fault", f"nth={nth},{DEVICE_FAULTS[kind]}"] if nth else [], command)
+        return len(self.trace.read_text().splitlines())
 
     def call(self, what, command, kind, nth):
         """One run with the n-th allocation or file call failing (0: none). Returns how many there were."""
@@ -110,7 +115,7 @@ def torture(bench, what, kind, command, arguments):
     """All runs of one kind. Returns their number and whether all went well."""
     first = 1
     startup = STARTUP[bench.program]
-    if not arguments.nth and command != startup and kind != KINDS["device"][0]:
+    if not arguments.nth and not arguments.never and command != startup and kind != KINDS["device"][0]:
         first = max(bench.one(what, startup, kind, 0) - (0 if what == "device" else END_CALLS), 0) + 1
     came, good = 0, True
     for nth in [arguments.nth] if arguments.nth else counts(first, arguments.dense):
@@ -136,6 +141,7 @@ def main():
     parser.add_argument("--only", action="append", help="these kinds of failure alone")
     parser.add_argument("--nth", type=int, help="this one run alone")
     parser.add_argument("--dense", type=int, default=0, help="try each of so many, from there on fewer and fewer")
+    parser.add_argument("--never", help="what no trace may hold, a regular expression")
     parser.add_argument("--runs", type=pathlib.Path, help="a file that gets the number of runs")
     parser.add_argument("what", nargs="+", choices=KINDS)
     parser.add_argument("command", help="the command with its options, as one word; 'jbof: ...' on that machine")
@@ -144,7 +150,8 @@ def main():
     scenario, _, command = arguments.command.rpartition(": ")
     runs, good = 0, True
     with tempfile.TemporaryDirectory(prefix="torture-") as directory:
-        bench = Bench(arguments.bin.resolve(), arguments.program, scenario or "pair", pathlib.Path(directory))
+        bench = Bench(arguments.bin.resolve(), arguments.program, scenario or "pair", pathlib.Path(directory),
+                      arguments.never)
         for what in arguments.what:
             for kind in KINDS[what]:
                 if not arguments.only or kind in arguments.only:

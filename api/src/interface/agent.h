@@ -17,7 +17,8 @@ QRX_U32 QRX_Adapter_NVM(QRX_U8 adapter_id, QRX_U8 opc, QRX_U32 name_space, QRX_U
                         void* data_in, QRX_U32 data_in_length, void* data_out, QRX_U32 data_out_length);
 
 // Sends the whole record `pCmd` (a _qrx_admin_command_format). Prints the status text. `params`, if not null, gets
-// Completion Dword 0. data_out is filled whatever the outcome.
+// Completion Dword 0. data_out is filled whatever the controller answers; it and `params` stay as they are
+// where nothing could be sent.
 QRX_U32 QRX_Adapter_PassthruAdmin(QRX_U8 adapter_id, void* pCmd, void* data_in, QRX_U16 data_in_length, void* data_out,
                                   QRX_U16 data_out_length, QRX_U32* params);
 

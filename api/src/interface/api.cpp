@@ -1,5 +1,6 @@
 #include "api/src/interface/api.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string_view>
@@ -13,13 +14,19 @@
 
 namespace {
 
-// The last index below the count for which `matches` holds of the device there.
+// The controllers that can be chosen: the current one has an index of 8 bits.
+QRX_U16 choices()
+{
+    return std::min<QRX_U16>(QRX_Adapter_GetCount(), 256);
+}
+
+// The last choice for which `matches` holds of the device there.
 template <class Predicate>
 std::optional<int> lastIndexOf(Predicate matches)
 {
     PDeviceManagement table = GetDeviceManagementInstance();
     std::optional<int> found;
-    for (QRX_U16 index = 0; index < table->getDeviceCount(table); ++index) {
+    for (QRX_U16 index = 0; index < choices(); ++index) {
         if (matches(*table->getDevice(table, index))) {
             found = index;
         }
@@ -121,7 +128,7 @@ void GetAdapterIdFromDeviceName(int internalID, int* mappingID)
 
 QRX_BOOLEAN SetAdapterIdFromDeviceName(int* devNameID, int* addapterID)
 {
-    for (QRX_U16 index = 0; index < QRX_Adapter_GetCount(); ++index) {
+    for (QRX_U16 index = 0; index < choices(); ++index) {
         if (qrx::deviceNumber(QRX_Adapter_GetDevicePath(index)) == *devNameID) {
             *addapterID = index;
             return true;

@@ -4,6 +4,7 @@
 #include "api/src/interface/wire/types.h"
 
 // Finds the controllers, sets their clocks, and looks for system disks. Once for each process, before any command.
+// Throws std::bad_alloc; the process then has to end, since what was not found cannot be told from what is not there.
 void QRX_Init();
 // Frees what QRX_Init built.
 void QRX_Final();

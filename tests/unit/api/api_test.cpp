@@ -98,6 +98,31 @@ TEST(AdapterIdsOfEqualNumbers, TheFirstWins)
     EXPECT_EQ(index, 0);
 }
 
+TEST(AdapterIdsBeyondABytesReach, AreNotFound)
+{
+    ScriptedMachine machine;
+    for (int number = 0; number < 300; ++number) {
+        const std::string text = std::to_string(number);
+        machine.addController({.path = "/dev/nvme" + text, .bdf = text, .subnqn = paddedName("nqn." + text)});
+    }
+    for (const int number : {255, 256, 299}) {
+        const std::string text = std::to_string(number);
+        const bool found = number < 256;
+        std::string slot = text;
+        std::string name = paddedName("nqn." + text);
+        int index = 77;
+        EXPECT_EQ(findAdapterId(slot.data(), &index), found);
+        EXPECT_EQ(index, found ? number : 77);
+        index = 77;
+        EXPECT_EQ(SetAdapterIdFromSUBNQN(name.data(), &index), found);
+        EXPECT_EQ(index, found ? number : 77);
+        int device = number;
+        index = 77;
+        EXPECT_EQ(SetAdapterIdFromDeviceName(&device, &index), found);
+        EXPECT_EQ(index, found ? number : 77);
+    }
+}
+
 TEST_F(AdapterIds, ByNameTheBlanksCountAndTheLastMatchWins)
 {
     int index = 77;

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <new>
 #include <set>
 #include <string>
 #include <vector>
@@ -375,21 +376,50 @@ TEST_F(Discovery, MoreControllersThanTheTableHoldsAreLeftOutAndToldOnce)
     EXPECT_STREQ(slot(1)->device_path, "/dev/nvme1");
 }
 
-TEST_F(Discovery, ShortMemoryLosesDevicesAndNothingElse)
+TEST_F(Discovery, ShortMemoryFindsAllControllersOrEndsTheScan)
 {
-    lines = "03:00.0/nvme/nvme0\n";
+    lines =
+        "03:00.0/nvme/nvme0\n"
+        "04:00.0/nvme/nvme1\n";
     add(0, {});
-    for (int n = 1; n < 12; ++n) {
-        libc.failAllocation(n);
+    add(1, {});
+    PDeviceManagement table = GetDeviceManagementInstance();
+    int ended = 0;
+    for (int n = 1; n < 30; ++n) {
+        libc.opened.clear();
         libc.closed.clear();
-        scan();
+        libc.failAllocation(n);
+        try {
+            scan();
+            EXPECT_EQ(table->getDeviceCount(table), 2) << n;
+        } catch (const std::bad_alloc&) {
+            ++ended;
+        }
         libc.failAllocation(0);
-        PDeviceManagement table = GetDeviceManagementInstance();
         table->Final(table);
         EXPECT_EQ(table->getDeviceCount(table), 0);
-        EXPECT_EQ(libc.closed.size(), n == 1 ? 0U : 1U) << n;  // the device node, open once or not at all
+        EXPECT_EQ(libc.closed.size(),
+                  std::count_if(libc.opened.begin(), libc.opened.end(),
+                                [](const std::string& path) { return path.starts_with("/dev/nvme"); }))
+            << n;
     }
+    EXPECT_EQ(ended, 5);  // the records; a device and its place in the table for each controller
     EXPECT_EQ(out.text(), "");
+}
+
+TEST_F(Discovery, AScanThatMemoryIsShortForEnds)
+{
+    libc.onPopen = [](const char*, const char*) -> FILE* {
+        errno = ENOMEM;
+        return nullptr;
+    };
+    EXPECT_THROW(scan(), std::bad_alloc);
+    libc.onPopen = [](const char*, const char*) -> FILE* {
+        errno = EMFILE;
+        return nullptr;
+    };
+    scan();
+    EXPECT_EQ(QRX_Adapter_GetCount(), 0);
 }
 
 TEST_F(Discovery, InitFindsSetsTheClocksAndFinalClosesAll)

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -69,6 +70,21 @@ protected:
     timespec last_deadline{};
     int timeouts = 0;
 };
+
+TEST_F(DeviceLock, ThatAnotherProcessMadeInBetweenStaysHeld)
+{
+    const OwnedLock theirs = open();
+    theirs->lock(theirs.get());
+    int opens = 0;
+    libc.onSemOpen = [&](const char*, int flags) {
+        errno = ENOENT;
+        EXPECT_EQ((flags & O_CREAT) != 0, opens > 0);
+        return opens++ == 0 ? static_cast<sem_t*>(SEM_FAILED) : theirs->m_handle;
+    };
+    const OwnedLock ours = open();
+    EXPECT_EQ(opens, 2);
+    EXPECT_EQ(value(ours), 0);
+}
 
 TEST_F(DeviceLock, StartsWithoutASemaphore)
 {

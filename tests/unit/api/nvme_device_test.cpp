@@ -249,18 +249,36 @@ TEST_F(NvmeDevice, RefusesMissingPointersAndTooManyWords)
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(NvmeDevice, ShortMemoryIsStatusOneWithNothingSent)
+TEST_F(NvmeDevice, ACommandNeedsNoMemory)
 {
-    _qrx_admin_command_format record{};
-    QRX_U32 dword0 = 77;
-    Bytes out = pattern(16);
-    libc.failAllocation(1);
-    EXPECT_EQ(send(6, nullptr, &out), 1U);
-    libc.failAllocation(1);
-    EXPECT_EQ(device->sendPassthruAdmin(device.get(), &record, nullptr, 0, out.data(), 16, &dword0), 1U);
-    EXPECT_EQ(out, pattern(16));
-    EXPECT_EQ(dword0, 77U);
-    EXPECT_EQ(calls, 0);
+    const Bytes all = pattern(8192);
+    for (const std::size_t length : {16U, 4096U, 8192U, 16U}) {
+        const Bytes expected(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(length));
+        Bytes pages = expected;
+        pages.resize(length > 4096 ? 8192 : 4096);
+        Bytes seen;
+        libc.onIoctl = [&](int, unsigned long, void* argument) {
+            auto* command = static_cast<nvme_admin_cmd*>(argument);
+            EXPECT_EQ(command->addr % 4096, 0U);
+            auto* data = reinterpret_cast<QRX_U8*>(command->addr);
+            seen.assign(data, data + pages.size());
+            data[0] ^= 0xFF;
+            return 0;
+        };
+        Bytes given = expected;
+        libc.failAllocation(1);
+        EXPECT_EQ(send(13, &given, nullptr), 0U) << length;
+        EXPECT_EQ(seen, pages) << length;
+        Bytes got = expected;
+        libc.failAllocation(1);
+        EXPECT_EQ(send(6, nullptr, &got), 0U) << length;
+        EXPECT_EQ(got[0], all[0] ^ 0xFF);
+        _qrx_admin_command_format record{};
+        got = Bytes(16, 7);
+        libc.failAllocation(1);
+        EXPECT_EQ(device->sendPassthruAdmin(device.get(), &record, nullptr, 0, got.data(), 16, nullptr), 0U);
+        EXPECT_EQ(got[0], 7 ^ 0xFF);
+    }
 }
 
 _qrx_admin_command_format recordOfDistinctWords()

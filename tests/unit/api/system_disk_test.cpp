@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -167,8 +168,9 @@ TEST_F(SystemDisks, MoreThan32AreDroppedAndToldOnce)
 TEST_F(SystemDisks, ShortMemoryClosesTheDevice)
 {
     Libc libc;
+    const PDevice device = machine.makeDevice(0);
     libc.failAllocation(1);
-    disks->addOSDisk(disks, machine.makeDevice(0), "/dev/nvme0n1");
+    EXPECT_THROW(disks->addOSDisk(disks, device, "/dev/nvme0n1"), std::bad_alloc);
     EXPECT_EQ(disks->m_os_count, 0);
     EXPECT_EQ(machine.closed(), 1);
 }
@@ -235,14 +237,15 @@ TEST_F(MountScan, WithoutAMountTableThereIsNothing)
 
 TEST_F(MountScan, ShortMemoryClosesTheDescriptor)
 {
-    libc.failAllocation(1);
-    addSystemDisk("/dev/nvme0n1");
-    EXPECT_EQ(disks->m_os_count, 0);
-    EXPECT_EQ(libc.closed.size(), 1U);
-    libc.failAllocation(2);
-    addSystemDisk("/dev/nvme0n1");
-    EXPECT_EQ(disks->m_os_count, 0);
-    EXPECT_EQ(libc.closed.size(), 2U);
+    for (const int allocation : {1, 2}) {
+        libc.closed.clear();
+        libc.failAllocation(allocation);
+        EXPECT_THROW(addSystemDisk("/dev/nvme0n1"), std::bad_alloc);
+        EXPECT_EQ(disks->m_os_count, 0);
+        EXPECT_EQ(libc.closed.size(), 1U);
+    }
+    libc.refuse("/etc/mtab", ENOMEM);
+    EXPECT_THROW(os_vol_scan(), std::bad_alloc);
 }
 
 }  // namespace

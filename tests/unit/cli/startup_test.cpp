@@ -395,6 +395,15 @@ TEST_F(StartUp, ADeniedControllerIsToldApart)
     EXPECT_EQ(gSysDenied, 0);
 }
 
+TEST_F(StartUp, WithoutMemoryForTheScanItEndsBeforeAnyCommand)
+{
+    addControllers();
+    host.onInit = [] { throw std::bad_alloc(); };
+    EXPECT_EQ(run({"version", "-output", out}), (Outcome{1, "", "", "qrx_cli: out of memory\n"}));
+    EXPECT_EQ(host.calls, (std::vector<std::string>{"init", "final"}));
+    EXPECT_EQ(stream, stdout);
+}
+
 TEST_F(StartUp, WithoutMemoryForTheRecordsItEndsCleanly)
 {
     addControllers();

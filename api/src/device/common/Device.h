@@ -25,7 +25,8 @@ struct _Device {
     QRX_U32(*sendNVM)
     (PDevice _this, QRX_U8 opc_code, QRX_U32 name_space, QRX_U32* cmd, QRX_U8 cmd_length, void* in_data,
      QRX_U32 in_data_length, void* out_data, QRX_U32 out_data_length);
-    // Sends the whole record `pCmd` (a _qrx_admin_command_format). out_data is filled whatever the outcome.
+    // Sends the whole record `pCmd` (a _qrx_admin_command_format). out_data is filled whatever the controller
+    // answers; it and `params` stay as they are where nothing could be sent.
     // `params`, if not null, gets Completion Dword 0.
     QRX_U32(*sendPassthruAdmin)
     (PDevice _this, void* pCmd, void* in_data, QRX_U16 in_data_length, void* out_data, QRX_U16 out_data_length,

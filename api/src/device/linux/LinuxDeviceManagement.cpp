@@ -12,6 +12,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -121,28 +122,36 @@ int openDevice(PDeviceManagement table, const char* path)
 }
 
 // Makes the device over `fd` the table's next, if it is one to be kept. Returns the NVMe device, or null; `fd` is
-// taken over in either case.
+// taken over in either case. Throws std::bad_alloc.
 PDevice enroll(PDeviceManagement table, int fd)
 {
     PDevice device = CreateNVMEDeviceInstance(fd, table->m_count);
     if (device == nullptr) {
         close(fd);
-        return nullptr;
+        throw std::bad_alloc();
     }
-    PDevice pair = DeviceManagement_identify(device) != 0 ? CreatePairCMDDeviceInstance(device) : nullptr;
-    if (pair == nullptr) {
+    if (DeviceManagement_identify(device) == 0) {
         device->closeHandle(device);
         return nullptr;
+    }
+    PDevice pair = CreatePairCMDDeviceInstance(device);
+    if (pair == nullptr) {
+        device->closeHandle(device);
+        throw std::bad_alloc();
     }
     table->m_devs[table->m_count] = pair;
     return device;
 }
 
 // The scan's records. There is room for all of them, but only those that are filled take up memory: none is
-// touched before.
+// touched before. Throws std::bad_alloc.
 std::unique_ptr<BusDevFun[], Free> makeRecords()
 {
-    return std::unique_ptr<BusDevFun[], Free>(static_cast<PBusDevFun>(std::calloc(kMaxScanLines, sizeof(BusDevFun))));
+    std::unique_ptr<BusDevFun[], Free> records(static_cast<PBusDevFun>(std::calloc(kMaxScanLines, sizeof(BusDevFun))));
+    if (records == nullptr) {
+        throw std::bad_alloc();
+    }
+    return records;
 }
 
 }  // namespace
@@ -150,7 +159,7 @@ std::unique_ptr<BusDevFun[], Free> makeRecords()
 void DeviceManagement_ScanV2(PDeviceManagement _this)
 {
     const auto records = makeRecords();
-    const QRX_U32 count = records != nullptr ? busDevFunScan(records.get()) : 0;
+    const QRX_U32 count = busDevFunScan(records.get());
     for (QRX_U32 i = 0; i < count && hasRoom(_this); ++i) {
         const BusDevFun& record = records[i];
         char devstr[32];
@@ -209,6 +218,9 @@ QRX_U32 busDevFunScan(PBusDevFun pBusDevFun)
 {
     const std::unique_ptr<FILE, ClosePipe> pipe(popen(kScanCommand, "r"));
     if (pipe == nullptr) {
+        if (errno == ENOMEM) {
+            throw std::bad_alloc();
+        }
         return 0;
     }
     char buf[4096];

@@ -19,6 +19,7 @@ using PBusDevFun = _BusDevFun*;
 inline constexpr std::size_t kMaxScanLines = 65535;
 
 // The scan over the kernel's device tree, and the older one over /dev.
+// Both throw std::bad_alloc, with the controllers found so far in the table.
 void DeviceManagement_ScanV2(PDeviceManagement _this);
 void DeviceManagement_Scan(PDeviceManagement _this);
 

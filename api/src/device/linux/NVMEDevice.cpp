@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <mutex>
 
 #include "api/src/function/log/log.h"
 #include "api/src/interface/wire/buffer.h"
@@ -98,20 +99,28 @@ struct Transfer {
     [[nodiscard]] std::size_t sentLength() const { return in_length != 0 ? in_length : out_length; }
 };
 
+// Pages for when memory is short, of one command at a time.
+alignas(kPageSize) std::array<QRX_U8, kStandardMax> reserve;
+std::mutex reserve_in_use;
+
 // Pages of their own for the data of one command, since the driver maps a transfer by pages: one, unless the transfer
-// is longer.
+// is longer. A command never fails for want of them: one that did would seem to have been answered, and a controller or
+// a system disk that could not be asked would count as absent.
 class BouncePages {
 public:
     explicit BouncePages(const Transfer& transfer)
         : size_(std::max(transfer.in_length, transfer.out_length) > kPageSize ? kStandardMax : kPageSize),
           pages_(static_cast<QRX_U8*>(qx_memalign(kPageSize, static_cast<QRX_U32>(size_), &raw_)))
     {
+        if (pages_ == nullptr) {
+            turn_ = std::unique_lock(reserve_in_use);
+            pages_ = reserve.data();
+        }
     }
     ~BouncePages() { std::free(raw_); }
     BouncePages(const BouncePages&) = delete;
     BouncePages& operator=(const BouncePages&) = delete;
 
-    explicit operator bool() const { return pages_ != nullptr; }
     [[nodiscard]] const void* data() const { return pages_; }
 
     // The data at the front, zeroes behind it: each byte is written once.
@@ -135,6 +144,7 @@ private:
     std::size_t size_;
     void* raw_ = nullptr;
     QRX_U8* pages_;
+    std::unique_lock<std::mutex> turn_;  // of the reserve, where it is used
 };
 
 // Copies the caller's words to cdw10 onward. False when there are more of them than the command has.
@@ -182,9 +192,6 @@ QRX_U32 NVMEDevice_sendCommand(PDevice _this, QRX_U8 opc_code, QRX_U32 name_spac
         return kNotSent;
     }
     BouncePages pages(transfer);
-    if (!pages) {
-        return kNotSent;
-    }
     command.opcode = row->opcode;
     command.nsid = name_space;
     command.timeout_ms = row->timeout_ms;
@@ -220,9 +227,6 @@ QRX_U32 NVMEDevice_sendPassthruAdmin(PDevice _this, void* pCmd, void* in_data, Q
         return kNotSent;
     }
     BouncePages pages(transfer);
-    if (!pages) {
-        return kNotSent;
-    }
     static_assert(sizeof(nvme_admin_cmd) == sizeof(_qrx_admin_command_format::CDW));
     nvme_admin_cmd command;
     std::memcpy(&command, pCmd, sizeof(command));

@@ -39,9 +39,8 @@ void QRXLock_init(PQRXLock lock, const char* name)
             add_log("create sem error: %s\n", std::strerror(errno));
             return;
         }
-        if (sem_init(lock->m_handle, 1, kFree) != 0) {
-            add_log("init sem error: %s\n", std::strerror(errno));
-        }
+        // It is free now, if it was made just here. Nothing sets its count anew: another process may have made it in
+        // between, and hold it.
     }
     add_log("init sem %s value is %u\n", lock->lockName, static_cast<unsigned>(valueOf(lock->m_handle)));
 }

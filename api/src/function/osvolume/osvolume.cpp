@@ -3,7 +3,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <memory>
+#include <new>
 #include <string_view>
 
 #include "api/src/device/linux/NVMEDevice.h"
@@ -71,6 +73,9 @@ void scanPhysicalDisk()
 {
     const std::unique_ptr<FILE, CloseFile> table(std::fopen(kMountTable, "r"));
     if (table == nullptr) {
+        if (errno == ENOMEM) {
+            throw std::bad_alloc();
+        }
         add_log("OS disk file:%s  does not exist!\n", kMountTable);
         return;
     }
@@ -89,7 +94,7 @@ void addSystemDisk(const char* path)
     PDevice device = CreateSimpleNVMEDeviceInstance(fd);
     if (device == nullptr) {
         close(fd);
-        return;
+        throw std::bad_alloc();
     }
     PNVMEDiskManagement disks = GetNVMEDiskManagementInstance();
     disks->addOSDisk(disks, device, path);

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-// Reads the mount table and fills the list of system disks with what it finds.
+// Reads the mount table and fills the list of system disks with what it finds. All throw std::bad_alloc: a disk that
+// memory was short for must not count as none.
 void os_vol_scan();
 void scanPhysicalDisk();
 

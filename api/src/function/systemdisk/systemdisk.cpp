@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "api/src/device/common/IdentifyController.h"
 #include "api/src/device/linux/NVMEDevice.h"
@@ -46,7 +47,7 @@ void NVMEDiskManagement_addOSDisk(PNVMEDiskManagement self, PDevice device, cons
     PQRXSystemDisk disk = CreateQRXSystemDiskInstance(device, path);
     if (disk == nullptr) {
         device->closeHandle(device);
-        return;
+        throw std::bad_alloc();
     }
     if (disk->id_ctrl(disk) == 0) {
         disk->Final(disk);

@@ -36,7 +36,7 @@ struct _NVMEDiskManagement {
     PQRXSystemDisk m_os_devs[kMaxSystemDisks];
     QRX_U8 m_os_count;
 
-    // Takes `device` over, and keeps it as a system disk if its controller is one of ours.
+    // Takes `device` over, and keeps it as a system disk if its controller is one of ours. Throws std::bad_alloc.
     void (*addOSDisk)(PNVMEDiskManagement self, PDevice device, const char* path);
     void (*Final)(PNVMEDiskManagement self);  // closes all disks
 
