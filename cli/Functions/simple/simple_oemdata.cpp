@@ -71,10 +71,10 @@ constexpr std::string_view kKnown = "vdsmkpwtR";
 constexpr qrx::Keyword kTypes[] = {{"pf", 0}, {"ns", 1}};
 constexpr std::size_t kSkuMax = 10;
 constexpr int kWwidMax = 8;
-constexpr std::string_view kDefaultSerialNumber = "                    ";
-constexpr std::string_view kDefaultModelName = "Tessura_NVMe_Controller                 ";
-static_assert(kDefaultSerialNumber.size() == sizeof(NVMEOEMData::SN));
-static_assert(kDefaultModelName.size() == sizeof(NVMEOEMData::model));
+constexpr std::string_view DEFAULT_SERIAL_NUMBER = "                    ";
+constexpr std::string_view DEFAULT_MODEL_NAME = "Tessura_NVMe_Controller                 ";
+static_assert(DEFAULT_SERIAL_NUMBER.size() == sizeof(NVMEOEMData::SN));
+static_assert(DEFAULT_MODEL_NAME.size() == sizeof(NVMEOEMData::model));
 
 // What the record is to hold.
 struct Wish {
@@ -140,8 +140,8 @@ NVMEOEMData startFrom(const NVMEOEMData& stored, int found)
         std::copy(std::begin(stored.SN), std::end(stored.SN), record.SN);
         std::copy(std::begin(stored.model), std::end(stored.model), record.model);
     } else {
-        std::copy(kDefaultSerialNumber.begin(), kDefaultSerialNumber.end(), record.SN);
-        std::copy(kDefaultModelName.begin(), kDefaultModelName.end(), record.model);
+        std::copy(DEFAULT_SERIAL_NUMBER.begin(), DEFAULT_SERIAL_NUMBER.end(), record.SN);
+        std::copy(DEFAULT_MODEL_NAME.begin(), DEFAULT_MODEL_NAME.end(), record.model);
     }
     std::copy_n(kOemSign, sizeof(record.sign), record.sign);
     record.data_length = kOemDataLength;

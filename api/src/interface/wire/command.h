@@ -36,8 +36,8 @@ inline constexpr QRX_U8 kGroupDump = 0xFE;
 
 // The forms of the 16-bit argument of a vendor command.
 // clang-format off
-struct NVME_AP_GPIO_Setting { QRX_U16 setDefault; };
-struct NVME_AP_PCIe_Register { QRX_U8 id; QRX_U8 reserved; };
+struct _NVME_AP_GPIO_Setting { QRX_U16 setDefault; };
+struct _NVME_AP_PCIe_Register { QRX_U8 id; QRX_U8 reserved; };
 struct NVME_AP_SP_COMMIT { QRX_U8 type; QRX_U8 reserved; };
 struct _NVME_AP_Delete_VD { QRX_U16 id; };
 struct _NVME_AP_Create_VD { QRX_U8 sbs : 4; QRX_U8 reserved : 4; QRX_U8 raidMode; };
@@ -54,9 +54,12 @@ struct NVME_SP_NS_SMART { QRX_U16 ns_id; };
 struct NVME_PD_FLUSH { QRX_U16 pdid; };
 struct NVME_NS_BACKUP { QRX_U16 pdid; };
 struct NVME_QOS { QRX_U16 hostid; };
-struct NVME_INVERSE { QRX_U8 value; QRX_U8 reserved; };
+struct _NVME_INVERSE { QRX_U8 value; QRX_U8 reserved; };
 struct NVME_AP_SWITCH_FEATURE { QRX_U16 switchFeature; };
 // clang-format on
+using NVME_INVERSE = _NVME_INVERSE;
+using NVME_AP_PCIe_Register = _NVME_AP_PCIe_Register;
+using NVME_AP_GPIO_Setting = _NVME_AP_GPIO_Setting;
 using NVME_AP_Delete_VD = _NVME_AP_Delete_VD;
 using NVME_AP_Create_VD = _NVME_AP_Create_VD;
 using NVME_AP_Init_NS = _NVME_AP_Init_NS;
