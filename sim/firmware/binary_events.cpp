@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstring>
+#include <vector>
 
 #include "api/src/interface/wire/event_text.h"
 
@@ -73,10 +74,30 @@ void put_code(std::string_view word, NVME_Event_Item& item)
 
 constexpr std::size_t kPlaces = std::size_t{kEventSlots} * kEventPages;
 
-// The place of the next event.
-std::size_t next_place(const EventRing& ring)
+struct BinaryRing {
+    std::vector<NVME_Event_Item> newest_first;  // in the places before `next`
+    std::size_t next = 0;                       // place of the next event
+};
+
+BinaryRing binary_ring(const EventRing& ring)
 {
-    return static_cast<std::size_t>(ring.sequence % kPlaces);
+    BinaryRing made;
+    made.next = static_cast<std::size_t>(ring.sequence % kPlaces);
+    // The first event of a page erases what the page held.
+    const std::size_t erased = made.next % kEventSlots == 0 ? 0 : kEventSlots - made.next % kEventSlots;
+    const std::size_t room = kPlaces - erased;
+    for (const std::string_view line : ring.newest_first()) {
+        if (const std::optional<NVME_Event_Item> item = event_item(line)) {
+            made.newest_first.push_back(*item);
+            if (made.newest_first.size() == room) {
+                return made;
+            }
+        }
+    }
+    // A page that begins with an erased place is empty to a reader. So the oldest event has the first place of a page,
+    // however many of those before it the text ring has lost.
+    made.next = made.newest_first.size();
+    return made;
 }
 
 }  // namespace
@@ -99,11 +120,12 @@ std::optional<NVME_Event_Item> event_item(std::string_view line)
 
 NVME_Event_Status event_status(const EventRing& ring)
 {
+    const std::size_t next = binary_ring(ring).next;
     NVME_Event_Status status{};
     status.maxPage = kEventPages;
     status.slotPerPage = kEventSlots;
-    status.posEmptyPage = static_cast<QRX_U8>(next_place(ring) / kEventSlots);
-    status.posEmptySlotInPage = static_cast<QRX_U8>(next_place(ring) % kEventSlots);
+    status.posEmptyPage = static_cast<QRX_U8>(next / kEventSlots);
+    status.posEmptySlotInPage = static_cast<QRX_U8>(next % kEventSlots);
     status.sizeOfEventItem = sizeof(NVME_Event_Item);
     return status;
 }
@@ -113,21 +135,12 @@ NVME_Page_EventRequest event_page(const EventRing& ring, QRX_U8 page)
     NVME_Page_EventRequest answer{};
     answer.Page = page;
     std::memset(answer.Events, 0xFF, sizeof(answer.Events));
-    const std::size_t next = next_place(ring);
-    // The first event of a page erases what the page held.
-    const std::size_t erased = next % kEventSlots == 0 ? 0 : kEventSlots - next % kEventSlots;
-    std::size_t age = 0;
-    for (const std::string_view line : ring.newest_first()) {
-        const std::optional<NVME_Event_Item> item = event_item(line);
-        if (!item) {
-            continue;
-        }
-        if (++age > kPlaces - erased) {
-            break;
-        }
-        const std::size_t place = (next + kPlaces - age) % kPlaces;
+    const BinaryRing binary = binary_ring(ring);
+    std::size_t place = binary.next;
+    for (const NVME_Event_Item& item : binary.newest_first) {
+        place = (place + kPlaces - 1) % kPlaces;
         if (place / kEventSlots == page) {
-            answer.Events[place % kEventSlots] = *item;
+            answer.Events[place % kEventSlots] = item;
         }
     }
     return answer;

@@ -143,6 +143,80 @@ TEST(BinaryEvents, DamagedLinesTakeNoPlace)
     EXPECT_EQ(sequences(ring, 0), run(1, 3));
 }
 
+// The sequence numbers that a reader meets, newest first: page by page back from the next event's place, without the
+// pages that begin with an erased place.
+std::string read_back(const EventRing& ring)
+{
+    const std::string erased(sizeof(NVME_Event_Item), '\xFF');
+    const NVME_Event_Status status = event_status(ring);
+    std::string list;
+    for (unsigned step = 0; step < status.maxPage; ++step) {
+        const unsigned page = (status.posEmptyPage + status.maxPage - step) % status.maxPage;
+        const NVME_Page_EventRequest read = event_page(ring, static_cast<QRX_U8>(page));
+        const std::size_t slots = step == 0 ? status.posEmptySlotInPage : status.slotPerPage;
+        for (std::size_t slot = raw(read.Events[0]) == erased ? 0 : slots; slot > 0; --slot) {
+            list += std::to_string(read.Events[slot - 1].SequenceNo) + " ";
+        }
+    }
+    return list;
+}
+
+// "<last> <last - 1> ... <first> "
+std::string countdown(unsigned last, unsigned first)
+{
+    std::string list;
+    for (unsigned number = last; number >= first; --number) {
+        list += std::to_string(number) + " ";
+    }
+    return list;
+}
+
+TEST(BinaryEvents, AreReadBackFromTheNewestToTheOldest)
+{
+    for (const unsigned events : {1U, 61U, 62U, 63U, 400U, 991U}) {
+        EXPECT_EQ(read_back(ring_of(events)), countdown(events, 1));
+    }
+    for (const unsigned events : {992U, 993U}) {
+        EXPECT_EQ(read_back(ring_of(events)), countdown(events, 63)) << "the oldest page is about to be erased, or is";
+    }
+}
+
+TEST(BinaryEvents, AWrappedRingOfLongLinesIsReadWhole)
+{
+    for (const unsigned events : {1500U, 1984U}) {
+        EventRing ring;
+        for (unsigned i = 0; i < events; ++i) {
+            ring.add(1767225600, "VD65535_A_WORD_OF_FORTY_EIGHT_LETTERS_ALL_NOTIFY");
+        }
+        const auto lines = static_cast<unsigned>(ring.newest_first().size());
+        ASSERT_LT(lines, 992U - 62) << "pages of text are full before 62 events are in them";
+        EXPECT_EQ(read_back(ring), countdown(events, events - lines + 1));
+        EXPECT_EQ(sequences(ring, 0), run(events - lines + 1, 62));
+    }
+}
+
+TEST(BinaryEvents, AnEventWhoseNumberIsLostTakesNoPlace)
+{
+    EventRing ring = ring_of(70);
+    std::string& lines = ring.pages[0].lines;
+    lines.replace(0, lines.find('\n'), "[SEQ]0");
+    EXPECT_EQ(read_back(ring), countdown(70, 2));
+    EXPECT_EQ(sequences(ring, 0), run(2, 62));
+    EXPECT_EQ(sequences(ring, 1), run(64, 7));
+    EXPECT_EQ(status_of(ring), std::string("\x10\x3E\1\7\x40\0\0\0", 8));
+    ring.add(9, "PD7_TIMEOUT_WARNING");
+    EXPECT_EQ(read_back(ring), countdown(71, 2));
+}
+
+TEST(BinaryEvents, ARingOfDamagedLinesIsErased)
+{
+    EventRing ring;
+    ring.pages = {EventPage{"?\n?\n"}};
+    ring.sequence = 70;
+    EXPECT_EQ(status_of(ring), status_of(EventRing()));
+    EXPECT_EQ(read_back(ring), "");
+}
+
 class PairLogs : public Pair {
 protected:
     PairLogs() { rig_ = Rig("lab"); }
