@@ -73,7 +73,8 @@ NVME_Adapter_Config AdapterConfig::record() const
 Verdict AdapterConfig::set(QRX_U8 new_auto_rebuild, QRX_U8 new_rate)
 {
     const bool rate_known = std::find(kRates.begin(), kRates.end(), new_rate) != kRates.end();
-    if (new_auto_rebuild > 1 || (!rate_known && new_rate != rate)) {
+    // A host that changes one of them sends the other back as it was reported, whatever that was.
+    if ((new_auto_rebuild > 1 && new_auto_rebuild != auto_rebuild) || (!rate_known && new_rate != rate)) {
         return Verdict::kInvalidParameter;
     }
     auto_rebuild = new_auto_rebuild;

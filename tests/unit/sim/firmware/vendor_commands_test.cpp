@@ -135,6 +135,17 @@ TEST(VendorCommands, AnUnknownRateThatIsThePresentOneIsKept)
     EXPECT_EQ(rig.controller(1).config, (AdapterConfig{1, 9}));
 }
 
+TEST(VendorCommands, AnUnknownAutoRebuildThatIsThePresentOneIsKept)
+{
+    Rig rig = Rig::of_text(R"({"controllers": [{"config": {"auto_rebuild": 2, "rate": "high"}}]})");
+    EXPECT_EQ(rig.vendor(0x02E0, 0x2002).status, kGood);
+    EXPECT_EQ(rig.controller().config, (AdapterConfig{2, 32}));
+    EXPECT_EQ(rig.vendor(0x02E0, 0x2003).status, 0x704U);
+    EXPECT_EQ(rig.vendor(0x02E0, 0x2001).status, kGood);
+    EXPECT_EQ(rig.vendor(0x02E0, 0x2002).status, 0x704U) << "it is gone";
+    EXPECT_EQ(rig.controller().config, (AdapterConfig{1, 32}));
+}
+
 TEST(VendorCommands, SetTimePutsItsThreePiecesTogether)
 {
     Rig rig("raid");
