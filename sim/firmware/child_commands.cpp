@@ -38,23 +38,6 @@ std::string name_of(QRX_U16 child)
 
 }  // namespace
 
-bool is_child_command(const nvme_admin_cmd& command)
-{
-    if (command.opcode != kMfndQuery) {
-        return command.opcode == kMfndControl || command.opcode == kMfndManage;
-    }
-    switch (operation_of(command)) {
-    case kMfndIdentifyDevice:
-    case kMfndIdentifyChild:
-    case kMfndGetPermissions:
-        return command.cdw14 == 0;
-    case kMfndChildLogPage:
-        return true;
-    default:
-        return false;
-    }
-}
-
 Completion Controller::child_command(const nvme_admin_cmd& command, std::span<QRX_U8> data)
 {
     switch (operation_of(command)) {

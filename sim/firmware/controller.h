@@ -345,8 +345,4 @@ private:
     Verdict answer_pair(std::span<QRX_U8> payload);
 };
 
-// Whether a command is one of the multi-function device. Opcode 0xD2 alone does not tell: it also carries ATA commands
-// to drives, whose FIS, in CDW10, never begins as these do, and whose opcode stands in CDW14.
-[[nodiscard]] bool is_child_command(const nvme_admin_cmd& command);
-
 }  // namespace qrx::sim

@@ -43,7 +43,7 @@ void Controller::log_refusal(const nvme_admin_cmd& command, const Completion& co
         return;
     }
     const std::string name = command.opcode == kVendorRead ? vendor_command_name(static_cast<QRX_U16>(command.cdw12))
-                                                           : admin_opcode_name(command.opcode);
+                                                           : admin_command_name(command);
     spi_log.add(clock, name + " refused: " + status_name(completion.status));
 }
 

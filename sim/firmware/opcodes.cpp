@@ -191,6 +191,29 @@ const char* admin_opcode_name(QRX_U8 opcode)
     return find(kAdminNames, opcode);
 }
 
+bool is_child_command(const nvme_admin_cmd& command)
+{
+    if (command.opcode != kMfndQuery) {
+        return command.opcode == kMfndControl || command.opcode == kMfndManage;
+    }
+    switch (static_cast<QRX_U8>(command.cdw10)) {
+    case kMfndIdentifyDevice:
+    case kMfndIdentifyChild:
+    case kMfndGetPermissions:
+        return command.cdw14 == 0;
+    case kMfndChildLogPage:
+        return true;
+    default:
+        return false;
+    }
+}
+
+const char* admin_command_name(const nvme_admin_cmd& command)
+{
+    const bool sata = command.opcode == kSataFromDrive && !is_child_command(command);
+    return sata ? "sata-from-drive" : admin_opcode_name(command.opcode);
+}
+
 const char* io_opcode_name(QRX_U8 opcode)
 {
     return find(kIoNames, opcode);

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "api/src/interface/wire/nvme_ioctl.h"
 #include "api/src/interface/wire/pair.h"
 #include "api/src/interface/wire/types.h"
 
@@ -122,8 +123,14 @@ inline constexpr QRX_U16 kReadVdmLogStatus = 0x08FE;
     return (opcode & 2) != 0;
 }
 
+// Whether a command is one of the multi-function device. Opcode 0xD2 alone does not tell: it also carries ATA commands
+// to drives, whose FIS, in CDW10, never begins as these do, and whose opcode stands in CDW14.
+[[nodiscard]] bool is_child_command(const nvme_admin_cmd& command);
+
 // "identify", "vendor-read"; "unknown" for an opcode without a name.
 [[nodiscard]] const char* admin_opcode_name(QRX_U8 opcode);
+// The same of a whole command, where the opcode alone does not tell.
+[[nodiscard]] const char* admin_command_name(const nvme_admin_cmd& command);
 [[nodiscard]] const char* io_opcode_name(QRX_U8 opcode);
 // The name of a vendor command by the low half of its CDW12; "unknown" for one without a name.
 [[nodiscard]] const char* vendor_command_name(QRX_U16 command);

@@ -176,7 +176,7 @@ void Tracer::write_line(const Node& node, bool admin_queue, const nvme_admin_cmd
     line += ' ';
     line += name_of(node);
     line += admin_queue ? " admin " : " io ";
-    line += admin_queue ? admin_opcode_name(opcode) : io_opcode_name(opcode);
+    line += admin_queue ? admin_command_name(command) : io_opcode_name(opcode);
     line += '(' + hex(opcode, 2) + ')';
     if (admin_queue && vendor_coded(opcode)) {
         const QRX_U16 code = vendor_code(command);

@@ -4,6 +4,7 @@
 #include "api/src/interface/wire/mfnd.h"
 #include "api/src/interface/wire/nvme.h"
 #include "sim/firmware/child_controllers.h"
+#include "sim/firmware/opcodes.h"
 #include "tests/unit/sim/firmware/rig.h"
 
 namespace qrx::sim {

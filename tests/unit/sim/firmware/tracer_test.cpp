@@ -81,6 +81,22 @@ TEST_F(TracerTest, NamesTheVendorCommand)
     EXPECT_EQ(admin(command, 0), "3 nvme0 admin vendor-write(0xc7) unknown(0xabcd) cdw12=0xabcd -> success\n");
 }
 
+TEST_F(TracerTest, TellsAtaCommandsFromThoseOfTheMultiFunctionDevice)
+{
+    nvme_admin_cmd command{};
+    command.opcode = 0xD2;
+    command.cdw10 = 0x105;
+    EXPECT_EQ(admin(command, 512), "1 nvme0 admin child-query(0xd2) cdw10=0x105 in=512 -> success\n");
+    command.cdw10 = 0x1;
+    EXPECT_EQ(admin(command, 512), "2 nvme0 admin child-query(0xd2) cdw10=0x1 in=512 -> success\n");
+    command.cdw14 = 0xEC;
+    EXPECT_EQ(admin(command, 512), "3 nvme0 admin sata-from-drive(0xd2) cdw10=0x1 cdw14=0xec in=512 -> success\n");
+    command.cdw10 = 0xEC8027;
+    EXPECT_EQ(admin(command, 512), "4 nvme0 admin sata-from-drive(0xd2) cdw10=0xec8027 cdw14=0xec in=512 -> success\n");
+    command.opcode = 0xD3;
+    EXPECT_EQ(admin(command, 0), "5 nvme0 admin sata-to-drive(0xd3) cdw10=0xec8027 cdw14=0xec -> success\n");
+}
+
 TEST_F(TracerTest, TellsWhatAMessageAsksFor)
 {
     nvme_admin_cmd command{};
