@@ -17,8 +17,8 @@ constexpr auto kRules = std::to_array<RaidRule>({
     {kRaid10, "RAID10", 3, 4, kMost, true, 0, kAll, 0},
     {kRaid5, "RAID5", 4, 3, kMost, false, 1, 1, 0},
     {kRaid50, "RAID50", 5, 6, kMost, true, 2, 1, 0},
-    {kRaid6, "RAID6", 6, 4, kMost, false, 1, 2, 2},
-    {kRaid60, "RAID60", 7, 8, kMost, true, 2, 2, 2},
+    {kRaid6, "RAID6", 6, 3, kMost, false, 1, 2, 2},
+    {kRaid60, "RAID60", 7, 6, kMost, true, 2, 2, 2},
 });
 
 }  // namespace

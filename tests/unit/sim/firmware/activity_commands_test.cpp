@@ -185,8 +185,11 @@ TEST(Rebuild, LosingTheTargetLeavesTheDiskDegraded)
 TEST(LostMembers, DegradeARedundantDiskAndTakeItOfflineBeyondItsRedundancy)
 {
     const Loss losses[] = {
-        {0, 0x3, {}, 1},  {15, 0x1, {}, 0},        {1, 0x3, {0}, 1},    {0x10, 0xF, {0, 3}, 1},
-        {5, 0x7, {2}, 0}, {0x50, 0x3F, {0, 3}, 4}, {6, 0xF, {1, 2}, 3}, {0x60, 0xFF, {0, 1, 4, 5}, 6},
+        {0, 0x3, {}, 1},     {15, 0x1, {}, 0},
+        {1, 0x3, {0}, 1},    {0x10, 0xF, {0, 3}, 1},
+        {5, 0x7, {2}, 0},    {0x50, 0x3F, {0, 3}, 4},
+        {6, 0xF, {1, 2}, 3}, {0x60, 0xFF, {0, 1, 4, 5}, 6},
+        {6, 0x7, {1, 2}, 0}, {0x60, 0x3F, {0, 1, 4, 5}, 3},
     };
     for (const Loss& loss : losses) {
         Rig rig("lab");
