@@ -88,7 +88,7 @@ void Controller::update_status(VirtualDisk& vd)
     }
     const auto marks = std::span<const bool>(lost).first(vd.members.size());
     const QRX_U8 before = vd.status;
-    if (!rule->survives(marks)) {
+    if (!rule->survives(marks, vd.parity_disks)) {
         if (vd.activity) {
             abort_activity(vd, "members are lost");
         }

@@ -38,6 +38,7 @@ struct VirtualDiskPlan {
     QRX_U8 raid_mode = kRaid0;
     QRX_U16 stripe = 256;  // sectors of 512 bytes; one that is none is refused
     std::vector<QRX_U16> members;
+    QRX_U8 parity_disks = 0;               // in all; 0: as many as the mode has when nothing else is asked for
     std::string name;                      // empty: one of the controller's own
     std::vector<QRX_U64> namespace_sizes;  // sectors of each namespace; 0: an equal part of what the others leave
 };
@@ -258,7 +259,8 @@ private:
     [[nodiscard]] Verdict check_members(std::span<const QRX_U16> members, const VirtualDisk* own, QRX_U64& share) const;
     Verdict create_vd(VirtualDiskPlan plan);
     // From its start on the virtual disk is one of `raid_mode` over `members`, to which all that it had must belong.
-    Verdict start_migration(QRX_U32 id, QRX_U8 raid_mode, std::span<const QRX_U16> members);
+    // `parity_disks` are as of a plan.
+    Verdict start_migration(QRX_U32 id, QRX_U8 raid_mode, QRX_U8 parity_disks, std::span<const QRX_U16> members);
     Verdict delete_vd(QRX_U32 id);
     Verdict import_vd(QRX_U32 id);
 

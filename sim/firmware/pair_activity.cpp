@@ -73,7 +73,7 @@ Verdict Controller::PairAnswers::migrate_vd()
         }
         const auto* const first = std::begin(request.PDIDs);
         const std::vector<QRX_U16> members(first, first + request.MemberCount);
-        return controller.start_migration(request.ID, request.RaidMode, members);
+        return controller.start_migration(request.ID, request.RaidMode, request.NumParityDisk, members);
     });
 }
 

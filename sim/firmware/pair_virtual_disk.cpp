@@ -87,6 +87,7 @@ Verdict Controller::PairAnswers::create_vd()
         plan.raid_mode = request.RAIDMode;
         plan.stripe = request.StripeBlockSize;
         plan.members.assign(std::begin(request.PDIDs), std::begin(request.PDIDs) + request.MemberCount);
+        plan.parity_disks = request.NumParityDisk;
         plan.name = std::move(*name);
         plan.namespace_sizes.assign(std::begin(request.NSSize), std::begin(request.NSSize) + request.NSCount);
         plan.namespace_sizes.resize(std::max<std::size_t>(plan.namespace_sizes.size(), 1));

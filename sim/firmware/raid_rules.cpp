@@ -23,8 +23,20 @@ constexpr auto kRules = std::to_array<RaidRule>({
 
 }  // namespace
 
-bool RaidRule::survives(std::span<const bool> lost) const
+std::optional<QRX_U8> RaidRule::parity_of_group(QRX_U8 all, std::size_t members) const
 {
+    if (all == 0) {
+        return parity_disks;
+    }
+    if (parity_disks == 0 || all % groups != 0 || all / groups < parity_disks || all >= members) {
+        return std::nullopt;
+    }
+    return static_cast<QRX_U8>(all / groups);
+}
+
+bool RaidRule::survives(std::span<const bool> lost, QRX_U8 parity) const
+{
+    const QRX_U8 outlived = parity_disks == 0 ? losses : std::max(losses, parity);
     const std::size_t count = groups == 0 ? lost.size() / 2 : groups;
     if (count == 0 || lost.size() < count) {
         return false;
@@ -33,7 +45,7 @@ bool RaidRule::survives(std::span<const bool> lost) const
     for (std::size_t group = 0; group < count; ++group) {
         const auto members = lost.subspan(group * size, size);
         const auto gone = static_cast<std::size_t>(std::count(members.begin(), members.end(), true));
-        if (losses == kAllButOne ? gone >= size : gone > losses) {
+        if (gone > outlived || gone >= size) {
             return false;
         }
     }

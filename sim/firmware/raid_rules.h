@@ -1,6 +1,7 @@
 // What each RAID mode asks of its members, and how many of them it can lose.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -16,8 +17,8 @@ struct RaidRule {
     QRX_U8 most;
     bool even;            // only an even number of members
     QRX_U8 groups;        // sets of members side by side, each of which must hold; 0: mirrored pairs
-    QRX_U8 losses;        // members that a group can lose; kAllButOne: one is enough
-    QRX_U8 parity_disks;  // what a new virtual disk reports; 0 where the number means nothing
+    QRX_U8 losses;        // members that a group can lose, at least; kAllButOne: one is enough
+    QRX_U8 parity_disks;  // of a group, at least, and of one that nothing else was asked for; 0: it has none to count
 
     static constexpr QRX_U8 kAllButOne = 255;
 
@@ -27,8 +28,11 @@ struct RaidRule {
     {
         return members >= least && members <= most && (!even || members % 2 == 0);
     }
-    // Whether a set still holds its data when the members marked in `lost` are gone.
-    [[nodiscard]] bool survives(std::span<const bool> lost) const;
+    // The parity disks of each group, where `all` groups together are to have so many, 0 standing for as many as usual.
+    // Nothing where there are none to count, they are too few, no group would have a disk left, or groups would differ.
+    [[nodiscard]] std::optional<QRX_U8> parity_of_group(QRX_U8 all, std::size_t members) const;
+    // Whether a set whose groups have `parity` disks still holds its data when the members marked in `lost` are gone.
+    [[nodiscard]] bool survives(std::span<const bool> lost, QRX_U8 parity) const;
 };
 
 // The rule of a mode, or null for a code that is none.

@@ -101,6 +101,10 @@ Verdict Controller::plan_vd(VirtualDiskPlan& plan, VirtualDisk& made) const
     if (!rule->takes(plan.members.size()) || plan.members.size() > adapter.max_pd_per_vd) {
         return Verdict::kInvalidPdCount;
     }
+    const auto parity = rule->parity_of_group(plan.parity_disks, plan.members.size());
+    if (!parity) {
+        return Verdict::kInvalidParameter;
+    }
     QRX_U64 share = 0;
     const Verdict verdict = check_members(plan.members, nullptr, share);
     if (verdict != Verdict::kGood) {
@@ -121,9 +125,9 @@ Verdict Controller::plan_vd(VirtualDiskPlan& plan, VirtualDisk& made) const
     made.name = plan.name.empty() ? "VD_" + std::to_string(made.id) : plan.name;
     made.raid_mode = rule->mode;
     made.members = plan.members;
-    made.parity_disks = rule->parity_disks;
+    made.parity_disks = *parity;
     made.stripe = plan.stripe;
-    made.sectors = usable_sectors(rule->mode, plan.members.size(), rule->parity_disks, share);
+    made.sectors = usable_sectors(rule->mode, plan.members.size(), *parity, share);
     made.sector_size = find_drive(plan.members.front())->sector_size;
     made.initialized = false;
     return share_out(plan.namespace_sizes, made.sectors) ? Verdict::kGood : Verdict::kNamespaceSize;
@@ -153,7 +157,7 @@ Verdict Controller::create_vd(VirtualDiskPlan plan)
     return Verdict::kGood;
 }
 
-Verdict Controller::start_migration(QRX_U32 id, QRX_U8 raid_mode, std::span<const QRX_U16> members)
+Verdict Controller::start_migration(QRX_U32 id, QRX_U8 raid_mode, QRX_U8 parity_disks, std::span<const QRX_U16> members)
 {
     constexpr unsigned kMigrationBit = 3;  // of the adapter's mask of background activities
     Verdict verdict = check_activity(id, kMigrationBit);
@@ -174,18 +178,22 @@ Verdict Controller::start_migration(QRX_U32 id, QRX_U8 raid_mode, std::span<cons
     if (!rule->takes(members.size()) || members.size() > adapter.max_pd_per_vd || !keeps_all) {
         return Verdict::kInvalidPdCount;
     }
+    const auto parity = rule->parity_of_group(parity_disks, members.size());
+    if (!parity) {
+        return Verdict::kInvalidParameter;
+    }
     QRX_U64 share = 0;
     verdict = check_members(members, vd, share);
     if (verdict != Verdict::kGood) {
         return verdict;
     }
-    const QRX_U64 sectors = usable_sectors(rule->mode, members.size(), rule->parity_disks, share);
+    const QRX_U64 sectors = usable_sectors(rule->mode, members.size(), *parity, share);
     if (sectors < vd->sectors) {
         return Verdict::kNamespaceSize;
     }
     vd->raid_mode = rule->mode;
     vd->members.assign(members.begin(), members.end());
-    vd->parity_disks = rule->parity_disks;
+    vd->parity_disks = *parity;
     vd->sectors = sectors;
     for (const QRX_U16 pd : members) {
         drive_of(pd)->importable = false;  // what another controller left on it is gone

@@ -19,8 +19,8 @@ struct VirtualDisk {
     bool importable = false;
     QRX_U8 raid_mode = kRaid1;
     std::vector<QRX_U16> members;  // at most 32; kMissingMember where one is missing
-    QRX_U8 parity_disks = 0;
-    QRX_U16 stripe = 256;  // sectors of 512 bytes
+    QRX_U8 parity_disks = 0;       // of RAID60 those of each half
+    QRX_U16 stripe = 256;          // sectors of 512 bytes
     QRX_U64 sectors = 0;
     QRX_U32 sector_size = 512;  // bytes, 0 unknown
     bool initialized = true;    // its redundancy has been written once over its whole length

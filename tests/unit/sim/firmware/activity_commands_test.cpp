@@ -203,6 +203,17 @@ TEST(LostMembers, DegradeARedundantDiskAndTakeItOfflineBeyondItsRedundancy)
     }
 }
 
+TEST(LostMembers, NoNumberOfParityDisksIsWorthAMember)
+{
+    Rig rig = Rig::of_text(R"({"controllers": [{"drives": [{"id": 0}, {"id": 1}, {"id": 2}], "virtual_disks": [
+        {"id": 0, "raid_mode": "raid6", "parity_disks": 9, "members": [0, 1, 2]}]}]})");
+    fail_drive(rig, 0);
+    fail_drive(rig, 1);
+    EXPECT_EQ(vd(rig).status, kVdDegrade);
+    fail_drive(rig, 2);
+    EXPECT_EQ(vd(rig).status, kVdOffline);
+}
+
 TEST(LostMembers, EndInitializationAndStopInputAndOutputWhenOffline)
 {
     Rig rig("raid");

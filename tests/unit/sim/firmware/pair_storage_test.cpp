@@ -18,7 +18,23 @@ public:
         std::copy(members.begin(), members.end(), std::begin(create.PDIDs));
         return create;
     }
+    static NVME_Create_VD with_parity(QRX_U8 mode, QRX_U8 parity, std::initializer_list<QRX_U16> members)
+    {
+        NVME_Create_VD create = request(mode, members);
+        create.NumParityDisk = parity;
+        return create;
+    }
     const VirtualDisk& vd() const { return rig_.controller().virtual_disks.at(0); }
+    // The status of the virtual disk after each of these drives has failed, one after the other.
+    std::vector<QRX_U8> status_without(std::initializer_list<QRX_U32> drives)
+    {
+        std::vector<QRX_U8> all;
+        for (const QRX_U32 drive : drives) {
+            EXPECT_FALSE(rig_.machine().controller(0)->fail_drive(drive));
+            all.push_back(vd().status);
+        }
+        return all;
+    }
 };
 
 TEST_F(PairStorage, CreateTakesNameAndNamespaceSizes)
@@ -68,6 +84,64 @@ TEST_F(PairStorage, CreateIsRefused)
     create = request(1, {0, 1});
     create.Name[0] = 7;
     ask({226, 3}, 4, bytes_of(create));
+    EXPECT_TRUE(rig_.controller().virtual_disks.empty());
+}
+
+constexpr QRX_U64 kShare = 1875385008;
+
+TEST_F(PairStorage, Raid6HasTheParityDisksThatItIsToHave)
+{
+    auto create = with_parity(6, 3, {0, 1, 2, 3, 4});
+    create.QueryLDSize = 1;
+    ask({226, 3}, 0, bytes_of(create));
+    EXPECT_EQ(rig_.at<NVME_PreCreate_VD>(8).LBA, 2 * kShare);
+    create.QueryLDSize = 0;
+    ask({226, 3}, 0, bytes_of(create));
+    EXPECT_EQ(vd().sectors, 2 * kShare);
+    EXPECT_EQ(vd().record({}).NumParityDisk, 3);
+    EXPECT_EQ(status_without({0, 2, 4, 1}), (std::vector<QRX_U8>{kVdDegrade, kVdDegrade, kVdDegrade, kVdOffline}));
+}
+
+TEST_F(PairStorage, Raid60IsAskedForAllParityDisksAndTellsThoseOfEachHalf)
+{
+    ask({226, 3}, 0, bytes_of(with_parity(0x60, 6, {0, 1, 2, 3, 4, 5, 6, 7})));
+    EXPECT_EQ(vd().sectors, 2 * kShare);
+    EXPECT_EQ(vd().record({}).NumParityDisk, 3);
+    EXPECT_EQ(
+        status_without({0, 1, 2, 5, 6, 7, 4}),
+        (std::vector<QRX_U8>{kVdDegrade, kVdDegrade, kVdDegrade, kVdDegrade, kVdDegrade, kVdDegrade, kVdOffline}));
+}
+
+TEST_F(PairStorage, NoNumberOfParityDisksIsThatOfTheMode)
+{
+    ask({226, 3}, 0, bytes_of(with_parity(6, 0, {0, 1, 2})));
+    EXPECT_EQ(vd().sectors, kShare);
+    EXPECT_EQ(vd().parity_disks, 2);
+    ask({226, 3}, 0, bytes_of(with_parity(0x60, 0, {3, 4, 5, 6, 7, 8})));
+    EXPECT_EQ(rig_.controller().virtual_disks.at(1).sectors, 2 * kShare);
+    EXPECT_EQ(rig_.controller().virtual_disks.at(1).parity_disks, 2);
+    rig_ = Rig("lab");
+    ask({226, 3}, 0, bytes_of(with_parity(0x60, 4, {3, 4, 5, 6, 7, 8})));
+    EXPECT_EQ(vd().sectors, 2 * kShare);
+    EXPECT_EQ(vd().parity_disks, 2);
+}
+
+TEST_F(PairStorage, NumbersOfParityDisksThatCannotBeAreRefused)
+{
+    for (const QRX_U8 parity : std::initializer_list<QRX_U8>{1, 5, 6, 255}) {
+        ask({226, 3}, 4, bytes_of(with_parity(6, parity, {0, 1, 2, 3, 4})));
+    }
+    for (const QRX_U8 parity : std::initializer_list<QRX_U8>{1, 2, 3, 5, 7, 8, 10, 254, 255}) {
+        ask({226, 3}, 4, bytes_of(with_parity(0x60, parity, {0, 1, 2, 3, 4, 5, 6, 7})));
+    }
+    for (const QRX_U8 mode : std::initializer_list<QRX_U8>{0x00, 0x01, 0x10, 0x05, 0x50, 0x0F}) {
+        auto create = with_parity(mode, 2, {0, 1, 2, 3, 4, 5});
+        create.MemberCount = mode == 0x0F ? 1 : mode == 0x01 ? 2 : 6;
+        ask({226, 3}, 4, bytes_of(create));
+        create.QueryLDSize = 1;
+        ask({226, 3}, 4, bytes_of(create));
+    }
+    ask({226, 3}, 61, bytes_of(with_parity(6, 9, {0, 1})));
     EXPECT_TRUE(rig_.controller().virtual_disks.empty());
 }
 
@@ -197,6 +271,22 @@ TEST_F(PairStorage, MigrationTakesMoreMembersAndAnotherMode)
     rig_.machine().advance(std::chrono::hours(2));
     EXPECT_EQ(rig_.controller().events.entries.back().sentence(), "VD 0 migration done");
     EXPECT_TRUE(vd().initialized);
+}
+
+TEST_F(PairStorage, MigrationTakesAnotherNumberOfParityDisks)
+{
+    ask({226, 3}, 0, bytes_of(request(1, {0, 1})));
+    auto migrate = migration(6, {0, 1, 2, 3, 4});
+    migrate.NumParityDisk = 5;
+    ask({227, 9}, 4, bytes_of(migrate));
+    migrate.NumParityDisk = 3;
+    ask({227, 9}, 0, bytes_of(migrate));
+    EXPECT_EQ(vd().parity_disks, 3);
+    EXPECT_EQ(vd().sectors, 2 * kShare);
+    rig_.machine().advance(std::chrono::hours(2));
+    ask({227, 9}, 0, bytes_of(migration(6, {0, 1, 2, 3, 4, 5})));
+    EXPECT_EQ(vd().parity_disks, 2);
+    EXPECT_EQ(vd().sectors, 4 * kShare);
 }
 
 TEST_F(PairStorage, MigrationGoesOnWithoutALostMember)
