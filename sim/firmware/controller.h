@@ -41,6 +41,7 @@ struct VirtualDiskPlan {
     QRX_U8 parity_disks = 0;               // in all; 0: as many as the mode has when nothing else is asked for
     std::string name;                      // empty: one of the controller's own
     std::vector<QRX_U64> namespace_sizes;  // sectors of each namespace; 0: an equal part of what the others leave
+    bool initialize = false;               // quickly, once it is made, if it is redundant and the controller can
 };
 
 class Controller : public NvmeFunction {

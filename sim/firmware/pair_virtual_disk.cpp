@@ -7,6 +7,10 @@ namespace qrx::sim {
 
 namespace {
 
+// What a creation may ask for about the initialization of the new virtual disk.
+constexpr QRX_U8 kInitializeQuickly = 0;
+constexpr QRX_U8 kInitializeNever = 3;
+
 // The text of a name's field, or nothing when it holds other than printable ASCII.
 std::optional<std::string> name_of(std::span<const QRX_U8> field)
 {
@@ -80,7 +84,8 @@ Verdict Controller::PairAnswers::create_vd()
         if (request.NSCount > std::size(request.NSSize)) {
             return Verdict::kInvalidNamespaceCount;
         }
-        if (!name) {
+        const bool quickly = request.InitializationOption == kInitializeQuickly;
+        if (!name || (!quickly && request.InitializationOption != kInitializeNever)) {
             return Verdict::kInvalidParameter;
         }
         VirtualDiskPlan plan;
@@ -91,6 +96,7 @@ Verdict Controller::PairAnswers::create_vd()
         plan.name = std::move(*name);
         plan.namespace_sizes.assign(std::begin(request.NSSize), std::begin(request.NSSize) + request.NSCount);
         plan.namespace_sizes.resize(std::max<std::size_t>(plan.namespace_sizes.size(), 1));
+        plan.initialize = quickly;
         if (request.QueryLDSize == 0) {
             return controller.create_vd(std::move(plan));
         }

@@ -141,18 +141,20 @@ Verdict Controller::create_vd(VirtualDiskPlan plan)
         return verdict;
     }
     const QRX_U8 id = made.id;
+    const RaidRule& rule = *find_raid_rule(made.raid_mode);
     for (const QRX_U16 pd : made.members) {
         drive_of(pd)->importable = false;  // what another controller left on it is gone
     }
-    tell(Event::kVd, id,
-         "created as " + std::string(find_raid_rule(made.raid_mode)->name) + " over PD " + list_of(made.members),
-         "_CREATED");
+    tell(Event::kVd, id, "created as " + std::string(rule.name) + " over PD " + list_of(made.members), "_CREATED");
     const QRX_U32 sector_size = made.sector_size == 4096 ? 4096 : 512;
     const auto place = std::find_if(virtual_disks.begin(), virtual_disks.end(),
                                     [id](const VirtualDisk& other) { return other.id > id; });
     virtual_disks.insert(place, std::move(made));
     for (const QRX_U64 sectors : plan.namespace_sizes) {
         make_namespace(kNsParentVd, id, sectors, sector_size).shared = true;
+    }
+    if (plan.initialize && rule.redundant()) {
+        (void)start_initialization(id, QRX_NVME_BGA_TYPE_VD_INIT_QUICK);  // the virtual disk is there without it, too
     }
     return Verdict::kGood;
 }

@@ -54,7 +54,7 @@ class Unlisted(unittest.TestCase):
         return self.command("qrx_cli", "info", "-o", "ns", "-t", "vd", "-v", "0").stdout.count("NS ID:")
 
     def make_virtual_disk(self):
-        done = self.command("qrx_unlisted", "create", "-r", "1", "-d", "0,1")
+        done = self.command("qrx_unlisted", "create", "-r", "1", "-d", "0,1", "-i", "none")
         self.assertEqual((done.returncode, done.stdout), (0, "Create virtual disk successfully.\n"))
 
     def test_sizes_are_typed_in_a_terminal(self):

@@ -257,6 +257,7 @@ TEST_F(PairLogs, EventsAreThoseOfTheTextRing)
     create.RAIDMode = 1;
     create.MemberCount = 2;
     create.StripeBlockSize = 256;
+    create.InitializationOption = 3;
     create.PDIDs[0] = 2;
     create.PDIDs[1] = 3;
     ask({226, 3}, 0, bytes_of(create));

@@ -15,6 +15,7 @@ public:
         create.RAIDMode = mode;
         create.MemberCount = static_cast<QRX_U8>(members.size());
         create.StripeBlockSize = 512;
+        create.InitializationOption = 3;  // none
         std::copy(members.begin(), members.end(), std::begin(create.PDIDs));
         return create;
     }
@@ -142,6 +143,58 @@ TEST_F(PairStorage, NumbersOfParityDisksThatCannotBeAreRefused)
         ask({226, 3}, 4, bytes_of(create));
     }
     ask({226, 3}, 61, bytes_of(with_parity(6, 9, {0, 1})));
+    EXPECT_TRUE(rig_.controller().virtual_disks.empty());
+}
+
+TEST_F(PairStorage, ARedundantVirtualDiskIsInitializedQuicklyUnlessThatIsNotWanted)
+{
+    auto create = request(1, {0, 1});
+    create.InitializationOption = 0;
+    create.QueryLDSize = 1;
+    ask({226, 3}, 0, bytes_of(create));
+    EXPECT_TRUE(rig_.controller().virtual_disks.empty());
+    create.QueryLDSize = 0;
+    ask({226, 3}, 0, bytes_of(create));
+    EXPECT_EQ(vd().status, kVdInitialization);
+    ask({227, 2}, 0, list(0, 1));
+    EXPECT_EQ(rig_.bytes(8 + 16, 5), std::string("\0\1\0\0\1", 5));
+    ask({226, 4}, 66, bytes_of(NVME_VD_Delete{}));
+    EXPECT_EQ(rig_.controller().ring.pages.at(0).lines,
+              "[SEQ]01[TIME]00[MSG]VD0_CREATED_NOTIFY\n[SEQ]02[TIME]00[MSG]NS1_CREATED_NOTIFY\n"
+              "[SEQ]03[TIME]00[MSG]VD0_INIT_START_NOTIFY\n");
+    rig_.machine().advance(std::chrono::seconds(10));
+    EXPECT_EQ(vd().status, kVdFunctional);
+    EXPECT_FALSE(vd().initialized) << "its redundancy is not written";
+    ask({226, 4}, 0, bytes_of(NVME_VD_Delete{}));
+    ask({226, 3}, 0, bytes_of(request(1, {0, 1})));
+    EXPECT_EQ(vd().status, kVdFunctional);
+    EXPECT_FALSE(vd().activity);
+}
+
+TEST_F(PairStorage, WhatIsNotRedundantOrCannotBeInitializedIsMadeAllTheSame)
+{
+    auto create = request(0, {0, 1});
+    create.InitializationOption = 0;
+    ask({226, 3}, 0, bytes_of(create));
+    EXPECT_FALSE(vd().activity);
+    rig_ = Rig::of_text(
+        R"({"controllers": [{"adapter": {"background": ["rebuild"]}, "drives": [{"id": 0}, {"id": 1}]}]})");
+    create = request(1, {0, 1});
+    create.InitializationOption = 0;
+    ask({226, 3}, 0, bytes_of(create));
+    EXPECT_EQ(vd().status, kVdFunctional);
+    EXPECT_FALSE(vd().activity);
+}
+
+TEST_F(PairStorage, AnotherKindOfInitializationIsRefused)
+{
+    for (const QRX_U8 option : std::initializer_list<QRX_U8>{1, 2, 4, 255}) {
+        auto create = request(1, {0, 1});
+        create.InitializationOption = option;
+        ask({226, 3}, 4, bytes_of(create));
+        create.QueryLDSize = 1;
+        ask({226, 3}, 4, bytes_of(create));
+    }
     EXPECT_TRUE(rig_.controller().virtual_disks.empty());
 }
 
