@@ -19,7 +19,7 @@ constexpr Command_Info kRows[] = {
     qrx::commandRow("sf", doSSwitchFeature, simple_sf_help, ":Switch between single port and dual port."),
     qrx::commandRow("log_vdm", doSLogVDM, simple_log_vdm_help, ":For show/on/off VDM log"),
     qrx::commandRow("test", doSTest, simple_test_help, ":Query all adapters and their physical disks repeatedly."),
-    qrx::commandRow("id", doPDID, id_help, ":Get pd identify info."),
+    qrx::commandRow("id", doPDID, id_help, id_sh),
     qrx::commandRow("sbsms", doSBSMS, simple_sbsms_help, ":Do nothing."),
 };
 

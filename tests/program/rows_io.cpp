@@ -11,14 +11,13 @@
 std::span<const Command_Info> qrx::test::ioRows()
 {
     static constexpr Command_Info kRows[] = {
-        commandRow("read", doRead, read_help, ":Read data from a namespace. JBOF Support Only."),
-        commandRow("write", doWrite, write_help, ":Write data to a namespace. JBOF Support Only."),
-        commandRow("compare", doCompare, compare_help, ":Compare data of a namespace. JBOF Support Only."),
-        commandRow("writezero", doWritezero, writezero_help, ":Write zeros to a namespace. JBOF Support Only."),
-        commandRow("writeuncor", doWriteuncor, writeuncor_help,
-                   ":Make blocks of a namespace uncorrectable. JBOF Support Only."),
-        commandRow("format", doFormat, format_help, ":Format a namespace. JBOF Support Only."),
-        commandRow("vf-manage", doVFManage, vf_management_help, ":For virtualization management control."),
+        commandRow("read", doRead, read_help, read_sh),
+        commandRow("write", doWrite, write_help, write_sh),
+        commandRow("compare", doCompare, compare_help, compare_sh),
+        commandRow("writezero", doWritezero, writezero_help, writezero_sh),
+        commandRow("writeuncor", doWriteuncor, writeuncor_help, writeuncor_sh),
+        commandRow("format", doFormat, format_help, format_sh),
+        commandRow("vf-manage", doVFManage, vf_management_help, vf_management_sh),
     };
     return kRows;
 }

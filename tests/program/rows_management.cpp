@@ -13,19 +13,15 @@
 std::span<const Command_Info> qrx::test::managementRows()
 {
     static constexpr Command_Info kRows[] = {
-        commandRow("mi_send", doMISend, mi_send_help, ":Standard MI-Send for management interface command set"),
-        commandRow("mi_receive", doMIReceive, mi_receive_help,
-                   ":Standard MI-Receive for management interface command set"),
-        commandRow("mi_admin_send", doMIAdminSend, mi_admin_send_help, ":Standard MI-Send for admin command set"),
-        commandRow("mi_admin_receive", doMIAdminReceive, mi_admin_receive_help,
-                   ":Standard MI-Receive for admin command set"),
-        commandRow("new_vpdread", doNewVPDRead, new_vpdread_help, ":Read VPD via standard 1.1 MI-Send and MI-Receive"),
-        commandRow("new_vpdwrite", doNewVPDWrite, new_vpdwrite_help, ":Write VPD via standard 1.1 MI-Send"),
-        commandRow("new_mi_send", doNewMISend, new_mi_send_help,
-                   ":Standard 1.1 MI-Send for management interface command set"),
-        commandRow("new_mi_receive", doNewMIReceive, new_mi_receive_help,
-                   ":Standard 1.1 MI-Receive for management interface command set"),
-        commandRow("vpd", doVPD, old_vpd_help, ":Read and write VPD data"),
+        commandRow("mi_send", doMISend, mi_send_help, mi_send_sh),
+        commandRow("mi_receive", doMIReceive, mi_receive_help, mi_receive_sh),
+        commandRow("mi_admin_send", doMIAdminSend, mi_admin_send_help, mi_admin_send_sh),
+        commandRow("mi_admin_receive", doMIAdminReceive, mi_admin_receive_help, mi_admin_receive_sh),
+        commandRow("new_vpdread", doNewVPDRead, new_vpdread_help, new_vpdread_sh),
+        commandRow("new_vpdwrite", doNewVPDWrite, new_vpdwrite_help, new_vpdwrite_sh),
+        commandRow("new_mi_send", doNewMISend, new_mi_send_help, new_mi_send_sh),
+        commandRow("new_mi_receive", doNewMIReceive, new_mi_receive_help, new_mi_receive_sh),
+        commandRow("vpd", doVPD, old_vpd_help, old_vpd_sh),
     };
     return kRows;
 }

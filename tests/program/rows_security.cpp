@@ -18,10 +18,8 @@ std::span<const Command_Info> qrx::test::securityRows()
         commandRow("secuinfo", doSecuInfo, simple_secuinfo_help, simple_secuinfo_sh),
         commandRow("eeprom", doSEEPROM, simple_eeprom_help, simple_eeprom_sh),
         commandRow("hidetemp", doSHideTemperature, simple_hide_temperature_help, simple_hide_temperature_sh),
-        commandRow("passthru_sata", doPassthru_sata, passthru_sata_help,
-                   ":Passthrough ATA command to backend SATA device"),
-        commandRow("list_pd_allocated_ns", dolist_pd_allocated_ns, list_pd_allocated_ns_help,
-                   ":Get Backend PD allocated NS ID list"),
+        commandRow("passthru_sata", doPassthru_sata, passthru_sata_help, passthru_sata_sh),
+        commandRow("list_pd_allocated_ns", dolist_pd_allocated_ns, list_pd_allocated_ns_help, list_pd_allocated_ns_sh),
     };
     return rows;
 }

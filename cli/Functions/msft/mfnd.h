@@ -7,13 +7,21 @@
 #include "api/src/interface/wire/nvme.h"
 #include "cli/Public/common.h"
 
+extern const char mfnd_manage_sh[];
 extern const char mfnd_manage_help[];
+extern const char mfnd_identify_sh[];
 extern const char mfnd_identify_help[];
+extern const char mfnd_operation_sh[];
 extern const char mfnd_operation_help[];
+extern const char mfnd_properties_sh[];
 extern const char mfnd_properties_help[];
+extern const char mfnd_event_sh[];
 extern const char mfnd_event_help[];
+extern const char mfnd_child_ctrl_sh[];
 extern const char mfnd_child_ctrl_help[];
+extern const char mfnd_child_ctrl_log_page_sh[];
 extern const char mfnd_child_ctrl_log_page_help[];
+extern const char mfnd_cmdpermission_sh[];
 extern const char mfnd_cmdpermission_help[];
 
 int doMFND_manage(int argc, char** argv, PCommand_Info pCmdInfo);

@@ -4,6 +4,8 @@
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/handler.h"
 
+const char mfnd_child_ctrl_sh[] = ":For MFND child controller control";
+
 const char mfnd_child_ctrl_help[] = R"(
 mfnd-child-ctrl -s <SEL> -i <CCID> [-h]
 

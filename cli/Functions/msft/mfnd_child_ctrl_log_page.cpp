@@ -7,6 +7,8 @@
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/handler.h"
 
+const char mfnd_child_ctrl_log_page_sh[] = ":For MFND child controller control get log page";
+
 const char mfnd_child_ctrl_log_page_help[] = R"(
 mfnd-child-ctrl-log-page -i <CCID> -d <LID> -l <LEN> [-1 <CDW11>] [-2 <CDW12>] [-3 <CDW13>] [-h]
 

@@ -15,6 +15,8 @@
 #include "cli/Public/frame/list.h"
 #include "cli/Public/frame/number.h"
 
+const char mfnd_cmdpermission_sh[] = ":For getting and setting MFND operation.";
+
 const char mfnd_cmdpermission_help[] = R"(
 mfnd-cmdpermission -a <get|set> [-e <opcode>:<flag>,<opcode>:<flag>...] [-h]
 

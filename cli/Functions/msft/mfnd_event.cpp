@@ -9,6 +9,8 @@
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/lines.h"
 
+const char mfnd_event_sh[] = ":For getting MFND event log.";
+
 const char mfnd_event_help[] = R"(
 mfnd-event [-h]
 

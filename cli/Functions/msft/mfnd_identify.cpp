@@ -11,6 +11,8 @@
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/lines.h"
 
+const char mfnd_identify_sh[] = ":For MFND identify";
+
 const char mfnd_identify_help[] = R"(
 mfnd-identify -o <mfnd|child> [-i <CCID>] [--rawdata] [-h]
 

@@ -12,6 +12,8 @@
 #include "cli/Public/frame/free_text.h"
 #include "cli/Public/frame/handler.h"
 
+const char mfnd_manage_sh[] = ":For MFND management";
+
 const char mfnd_manage_help[] = R"(
 mfnd-manage -s <SEL> [-i <CCID>] [-c <CPFC>] [-f <FLAG>] [-l <CCPEC>] [-k <SN>] [<properties>] [<QoS>] [-h]
 

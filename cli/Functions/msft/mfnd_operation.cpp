@@ -6,6 +6,8 @@
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/handler.h"
 
+const char mfnd_operation_sh[] = ":For getting and setting MFND operation.";
+
 const char mfnd_operation_help[] = R"(
 mfnd-opertation -a <get|set> [-o <privilege|mode> -t <user|admin|single|multiple>] [-h]
 

@@ -8,6 +8,8 @@
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/lines.h"
 
+const char mfnd_properties_sh[] = ":For getting and setting MFND properties.";
+
 const char mfnd_properties_help[] = R"(
 mfnd-properties -a <get|set> [--ms=<Metadata Size>] [--lbads <LBA Data Size>] [--dps=<Data Protection>] [--nmic <NMIC>] [-h]
 

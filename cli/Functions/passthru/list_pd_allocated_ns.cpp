@@ -7,6 +7,7 @@
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/tunnel.h"
 
+const char list_pd_allocated_ns_sh[] = ":Get Backend PD allocated NS ID list";
 const char list_pd_allocated_ns_help[] =
     "\n"
     "list_pd_allocated_ns  -i <id> [-h]\n"

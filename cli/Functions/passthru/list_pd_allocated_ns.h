@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char list_pd_allocated_ns_sh[];
 extern const char list_pd_allocated_ns_help[];
 
 int dolist_pd_allocated_ns(int argc, char** argv, PCommand_Info pCmdInfo);

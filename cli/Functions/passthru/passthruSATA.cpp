@@ -4,6 +4,7 @@
 #include "api/src/interface/wire/security.h"
 #include "cli/Functions/passthru/passthru.h"
 
+const char passthru_sata_sh[] = ":Passthrough ATA command to backend SATA device";
 const char passthru_sata_help[] =
     "\n"
     "passthru -r <read | write> -i <SSD backend RC/Slot ID>\n"

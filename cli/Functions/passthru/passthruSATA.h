@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char passthru_sata_sh[];
 extern const char passthru_sata_help[];
 
 int doPassthru_sata(int argc, char** argv, PCommand_Info pCmdInfo);

@@ -13,6 +13,8 @@
 #include "cli/Public/frame/read_one.h"
 #include "cli/Public/frame/tunnel.h"
 
+const char id_sh[] = ":Get pd identify info.";
+
 const char id_help[] = R"(
 id -i <pd id> [-d <simple|detail>][-h]
 

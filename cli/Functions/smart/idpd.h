@@ -7,6 +7,7 @@
 #include "api/src/interface/wire/types.h"
 #include "cli/Public/common.h"
 
+extern const char id_sh[];
 extern const char id_help[];
 
 int doPDID(int argc, char** argv, PCommand_Info pCmdInfo);

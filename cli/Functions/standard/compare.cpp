@@ -3,6 +3,8 @@
 
 #include "cli/Functions/standard/ns_io.h"
 
+const char compare_sh[] = ":Compare data of a namespace. JBOF Support Only.";
+
 const char compare_help[] = R"(
 compare -n <namespace id> -s <starting LBA> -l <number of LBA> [-f <inputfile>] [options] [-h]
 

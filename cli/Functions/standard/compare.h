@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char compare_sh[];
 extern const char compare_help[];
 
 int doCompare(int argc, char** argv, PCommand_Info pCmdInfo);

@@ -14,6 +14,8 @@
 #include "cli/Public/frame/option_set.h"
 #include "cli/Public/frame/raid_only.h"
 
+const char format_sh[] = ":Format a namespace. JBOF Support Only.";
+
 const char format_help[] = R"(
 format -n <namespace> -f <LBA format> [-m <Metadata Settings>] [-i <Protection Information>] [-l <Protection Information Location>] [-s <Secure Erase Settings>]  [-h]
 

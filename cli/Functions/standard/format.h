@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char format_sh[];
 extern const char format_help[];
 
 int doFormat(int argc, char** argv, PCommand_Info pCmdInfo);

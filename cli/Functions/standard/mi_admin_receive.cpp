@@ -10,6 +10,8 @@
 #include "cli/Functions/standard/mi_message.h"
 #include "cli/Public/frame/handler.h"
 
+const char mi_admin_receive_sh[] = ":Standard MI-Receive for admin command set";
+
 const char mi_admin_receive_help[] = R"(
 mi_admin_receive [-l <data length>] [-s <idctrl|smart>] [-f <outputfile>] [-h]
 

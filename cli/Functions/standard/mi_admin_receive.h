@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char mi_admin_receive_sh[];
 extern const char mi_admin_receive_help[];
 
 int doMIAdminReceive(int argc, char** argv, PCommand_Info pCmdInfo);

@@ -6,6 +6,8 @@
 #include "api/src/interface/globals.h"
 #include "cli/Functions/standard/mi_front.h"
 
+const char mi_admin_send_sh[] = ":Standard MI-Send for admin command set";
+
 const char mi_admin_send_help[] = R"(
 mi_admin_send --msgtype <message type> --ic <IC> --ror <ROR> --csi <CSI> --opcode <opcode> [--offset <data offset>] [--data_len <data length>] [--sqe_dw1 <SQE DW1>] .. [--sqe_dw15 <SQE DW15>] [-f <inputfile>] [-h]
 

@@ -7,6 +7,8 @@
 #include "cli/Functions/standard/mi_message.h"
 #include "cli/Public/frame/handler.h"
 
+const char mi_receive_sh[] = ":Standard MI-Receive for management interface command set";
+
 const char mi_receive_help[] = R"(
 mi_receive [-l <data length>] [-f <outputfile>] [-h]
 

@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char mi_receive_sh[];
 extern const char mi_receive_help[];
 
 int doMIReceive(int argc, char** argv, PCommand_Info pCmdInfo);

@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char mi_send_sh[];
 extern const char mi_send_help[];
 
 int doMISend(int argc, char** argv, PCommand_Info pCmdInfo);

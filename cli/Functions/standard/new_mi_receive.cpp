@@ -6,6 +6,8 @@
 
 #include "cli/Functions/standard/mi_front.h"
 
+const char new_mi_receive_sh[] = ":Standard 1.1 MI-Receive for management interface command set";
+
 const char new_mi_receive_help[] = R"(
 new_mi_receive --msgtype <message type> --ic <IC> --ror <ROR> --csi <CSI> --opcode <opcode> [--req_dw0 <Request DW0>] [--req_dw1 <Request DW1>] [-l <data length>] [-f <outputfile>] [-h]
 

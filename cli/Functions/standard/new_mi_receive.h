@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char new_mi_receive_sh[];
 extern const char new_mi_receive_help[];
 
 int doNewMIReceive(int argc, char** argv, PCommand_Info pCmdInfo);

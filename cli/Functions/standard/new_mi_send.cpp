@@ -5,6 +5,8 @@
 #include "cli/Functions/standard/mi_front.h"
 #include "cli/Functions/standard/mi_payload.h"
 
+const char new_mi_send_sh[] = ":Standard 1.1 MI-Send for management interface command set";
+
 const char new_mi_send_help[] = R"(
 new_mi_send --msgtype <message type> --ic <IC> --ror <ROR> --csi <CSI> --opcode <opcode> [--req_dw0 <Request DW0>] [--req_dw1 <Request DW1>] [-l <data length> -f <inputfile>] [-h]
 

@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char new_mi_send_sh[];
 extern const char new_mi_send_help[];
 
 int doNewMISend(int argc, char** argv, PCommand_Info pCmdInfo);

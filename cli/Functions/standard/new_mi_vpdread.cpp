@@ -3,6 +3,8 @@
 
 #include "cli/Functions/standard/mi_vpdread.h"
 
+const char new_vpdread_sh[] = ":Read VPD via standard 1.1 MI-Send and MI-Receive";
+
 const char new_vpdread_help[] = R"(
 new_vpdread -o <offset> -l <data length> [-f <outputfile>] [-h]
 

@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char new_vpdread_sh[];
 extern const char new_vpdread_help[];
 
 int doNewVPDRead(int argc, char** argv, PCommand_Info pCmdInfo);

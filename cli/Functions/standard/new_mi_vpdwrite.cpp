@@ -3,6 +3,8 @@
 
 #include "cli/Functions/standard/mi_vpdwrite.h"
 
+const char new_vpdwrite_sh[] = ":Write VPD via standard 1.1 MI-Send";
+
 const char new_vpdwrite_help[] = R"(
 new_vpdwrite -o <offset> -l <data length> -f <input file> [-h]
 

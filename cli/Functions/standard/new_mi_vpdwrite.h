@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char new_vpdwrite_sh[];
 extern const char new_vpdwrite_help[];
 
 int doNewVPDWrite(int argc, char** argv, PCommand_Info pCmdInfo);

@@ -3,6 +3,8 @@
 
 #include "cli/Functions/standard/ns_io.h"
 
+const char read_sh[] = ":Read data from a namespace. JBOF Support Only.";
+
 const char read_help[] = R"(
 read -n <namespace id> -s <starting LBA> -l <number of LBA> [-z <data size>] [-f <outputfile>] [options] [-h]
 

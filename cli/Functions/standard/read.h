@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char read_sh[];
 extern const char read_help[];
 
 int doRead(int argc, char** argv, PCommand_Info pCmdInfo);

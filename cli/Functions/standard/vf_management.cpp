@@ -10,6 +10,8 @@
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
 
+const char vf_management_sh[] = ":For virtualization management control.";
+
 const char vf_management_help[] = R"(
 vf-manage [-c <controller identifier>]  [-n <number of controller resources>][-h]
 

@@ -3,6 +3,8 @@
 
 #include "cli/Functions/standard/ns_io.h"
 
+const char write_sh[] = ":Write data to a namespace. JBOF Support Only.";
+
 const char write_help[] = R"(
 write -n <namespace id> -s <starting LBA> -l <number of LBA> [-z <data size>] [-f <inputfile>] [options] [-h]
 

@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char write_sh[];
 extern const char write_help[];
 
 int doWrite(int argc, char** argv, PCommand_Info pCmdInfo);

@@ -3,6 +3,8 @@
 
 #include "cli/Functions/standard/ns_io.h"
 
+const char writeuncor_sh[] = ":Make blocks of a namespace uncorrectable. JBOF Support Only.";
+
 const char writeuncor_help[] = R"(
 writeuncor -n <namespace id> -s <starting LBA> -l <number of LBA> [-h]
 

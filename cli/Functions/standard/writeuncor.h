@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char writeuncor_sh[];
 extern const char writeuncor_help[];
 
 int doWriteuncor(int argc, char** argv, PCommand_Info pCmdInfo);

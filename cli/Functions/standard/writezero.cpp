@@ -3,6 +3,8 @@
 
 #include "cli/Functions/standard/ns_io.h"
 
+const char writezero_sh[] = ":Write zeros to a namespace. JBOF Support Only.";
+
 const char writezero_help[] = R"(
 writezero -n <namespace id> -s <starting LBA> -l <number of LBA> [options] [-h]
 

@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char writezero_sh[];
 extern const char writezero_help[];
 
 int doWritezero(int argc, char** argv, PCommand_Info pCmdInfo);

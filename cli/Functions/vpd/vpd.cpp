@@ -12,6 +12,8 @@
 #include "cli/Public/frame/output_file.h"
 #include "cli/Public/utility.h"
 
+const char old_vpd_sh[] = ":Read and write VPD data";
+
 const char old_vpd_help[] = R"(
 vpd <-t [read|vsw]> [--outputfile <outputfile>][--inputfile <inputfile>][-o offset][-l data_len][-h]
 

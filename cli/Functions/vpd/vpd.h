@@ -3,6 +3,7 @@
 
 #include "cli/Public/common.h"
 
+extern const char old_vpd_sh[];
 extern const char old_vpd_help[];
 
 int doVPD(int argc, char** argv, PCommand_Info pCmdInfo);

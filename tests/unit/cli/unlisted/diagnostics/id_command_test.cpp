@@ -99,6 +99,7 @@ TEST_F(IdCommand, Help)
 {
     EXPECT_EQ(unlisted({"id"}), (Outcome{1, kPage}));
     EXPECT_EQ(unlisted({"id", "-h"}), (Outcome{0, kPage}));
+    EXPECT_EQ(std::string(id_sh), ":Get pd identify info.");
     EXPECT_EQ(kPage.substr(33, 48), "\nid -i <pd id> [-d <simple|detail>][-h]\n\nOptions");
     EXPECT_EQ(unlisted({"id", "-z"}), (Outcome{0, "", "", "id: illegal option -- z\n"}));
 }
