@@ -2,6 +2,7 @@
 #include "cli/Public/frame/number.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -53,6 +54,20 @@ std::optional<std::uint32_t> readWideHexOrNumber(const char* text)
     }
     const std::optional<std::int32_t> number = readNumber(text);
     return number ? std::optional<std::uint32_t>(static_cast<std::uint32_t>(*number)) : std::nullopt;
+}
+
+std::optional<std::uint64_t> readExact(const char* text, unsigned bits)
+{
+    constexpr unsigned kWidest = 64;
+    const bool hexadecimal = text != nullptr && std::strstr(text, "0x") != nullptr;
+    if (text == nullptr || (!hexadecimal && !isNumber(text)) || std::strpbrk(text, "+-") != nullptr) {
+        return std::nullopt;
+    }
+    char* end = nullptr;
+    errno = 0;
+    const unsigned long long value = std::strtoull(text, &end, hexadecimal ? 16 : 10);
+    const bool whole = errno == 0 && *end == '\0';
+    return whole && (bits >= kWidest || value >> bits == 0) ? std::optional<std::uint64_t>(value) : std::nullopt;
 }
 
 int idBase()

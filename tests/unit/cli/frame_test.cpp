@@ -142,6 +142,37 @@ TEST(Numbers, AWideHexadecimalOneTakesAllBits)
     EXPECT_EQ(readWideHexOrNumber(nullptr), std::nullopt);
 }
 
+TEST(Numbers, AnExactOneIsNeitherCutNorReadByHalf)
+{
+    EXPECT_EQ(readExact("0xFFFFFFFFFFFFFFFF"), 0xFFFFFFFFFFFFFFFFU);
+    EXPECT_EQ(readExact("18446744073709551615"), 0xFFFFFFFFFFFFFFFFU);
+    EXPECT_EQ(readExact("0xFFFFFFFF", 32), 0xFFFFFFFFU);
+    EXPECT_EQ(readExact("4294967295", 32), 0xFFFFFFFFU);
+    EXPECT_EQ(readExact("010", 4), 10U);
+    EXPECT_EQ(readExact("1", 1), 1U);
+    EXPECT_EQ(readExact("", 1), 0U);
+    for (const char* text : {"0x10000000000000000", "18446744073709551616", "-0x1", " -0x1", "+0x1", "-1", "+1", "0x",
+                             "0x1g", "g0x1", "1x0x1", "0x1 ", "0x1+1", "x", "1f"}) {
+        EXPECT_EQ(readExact(text), std::nullopt) << text;
+    }
+    EXPECT_EQ(readExact("0x100000000", 32), std::nullopt);
+    EXPECT_EQ(readExact("4294967296", 32), std::nullopt);
+    EXPECT_EQ(readExact("16", 4), std::nullopt);
+    EXPECT_EQ(readExact("2", 1), std::nullopt);
+    EXPECT_EQ(readExact(nullptr), std::nullopt);
+}
+
+TEST(Numbers, AnIdThatItsFieldDoesNotHoldIsNone)
+{
+    EXPECT_EQ(narrowId(0), 0);
+    EXPECT_EQ(narrowId(65535), 65535);
+    EXPECT_EQ(narrowId(65536), std::nullopt);
+    EXPECT_EQ(narrowId(-1), std::nullopt);
+    EXPECT_EQ(narrowId(std::nullopt), std::nullopt);
+    EXPECT_EQ(narrowId<QRX_U8>(255), 255);
+    EXPECT_EQ(narrowId<QRX_U8>(256), std::nullopt);
+}
+
 TEST(Numbers, TheOneBasedRule)
 {
     GlobalsGuard guard;
