@@ -1,12 +1,8 @@
 // `sec_provide`.
 #include "cli/Functions/simple/simple_oem_sed.h"
 
-#include <cstdlib>
-#include <cstring>
-#include <limits>
-#include <optional>
-
 #include "cli/Functions/simple/oem_security.h"
+#include "cli/Public/frame/number.h"
 #include "cli/Public/frame/one_option.h"
 
 const char simple_sed_sh[] = ":For set security help provided of PDs";
@@ -34,19 +30,7 @@ constexpr option kLong[] = {
     qrx::kEndRow,
 };
 
-// A bitmap of drives has all 32 bits. One that is cut or read by half would name other drives, so it is none.
-std::optional<QRX_U32> readBitmap(const char* text)
-{
-    const bool hexadecimal = std::strstr(text, "0x") != nullptr;
-    if (!hexadecimal && !isNumber(text)) {
-        return std::nullopt;
-    }
-    char* end = nullptr;
-    const unsigned long long value = std::strtoull(text, &end, hexadecimal ? 16 : 10);
-    const bool whole = *end == '\0' && *text != '-';
-    return whole && value <= std::numeric_limits<QRX_U32>::max() ? std::optional(static_cast<QRX_U32>(value))
-                                                                 : std::nullopt;
-}
+constexpr unsigned kDrives = 32;  // in a bitmap
 
 }  // namespace
 
@@ -55,7 +39,7 @@ int doSED(int argc, char** argv, PCommand_Info pCmdInfo)
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
     QRX_U32 drives = 0;
     if (const auto result = qrx::readOneOption(scan, pCmdInfo, 'i', [&] {
-            return qrx::take(readBitmap(scan.word()), drives) ||
+            return qrx::take(qrx::readExact(scan.word(), kDrives), drives) ||
                    qrx::complain("-i : invalid PD ID map '%s'\n", scan.word());
         })) {
         return *result;

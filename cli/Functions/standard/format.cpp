@@ -73,8 +73,8 @@ bool read(int letter, const char* word, Values& values)
 {
     const Field& field = *std::find_if(std::begin(kFields), std::end(kFields),
                                        [letter](const Field& candidate) { return candidate.letter == letter; });
-    const std::optional<std::int32_t> number = qrx::readNumber(word);
-    if (!number || static_cast<QRX_U32>(*number) > field.most) {
+    const auto number = isNumber(word) ? qrx::readExact(word) : std::nullopt;  // decimal alone
+    if (!number || *number > field.most) {
         return qrx::complain("-%c : invalid %s '%s'\n", field.letter, field.text, word);
     }
     values.at(static_cast<std::size_t>(letter)) = static_cast<QRX_U32>(*number);

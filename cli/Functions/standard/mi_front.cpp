@@ -51,7 +51,7 @@ bool Front::take(int letter, const char* word)
     for (const auto& table : tables_) {
         for (const NumberOption& option : table) {
             if (option.letter == letter) {
-                return qrx::take(readHexOrNumber(word), values_[static_cast<unsigned char>(letter)]) ||
+                return qrx::take(readExact(word, option.bits), values_[static_cast<unsigned char>(letter)]) ||
                        complain("%s: Invalid %s\n", option.label, option.text);
             }
         }

@@ -17,12 +17,13 @@
 
 namespace qrx::mi {
 
-// An option that takes a number of 32 bits.
+// An option that takes a number.
 struct NumberOption {
     char letter;
-    const char* name;   // long
-    const char* label;  // in a complaint
-    const char* text;   // what it is, in a complaint
+    const char* name;    // long
+    const char* label;   // in a complaint
+    const char* text;    // what it is, in a complaint
+    unsigned bits = 32;  // of the number; of a flag all but the lowest are passed over
 };
 
 inline constexpr NumberOption kHeadOptions[] = {
@@ -30,7 +31,7 @@ inline constexpr NumberOption kHeadOptions[] = {
     {'1', "ic", "--ic", "IC"},
     {'2', "ror", "--ror", "ROR"},
     {'3', "csi", "--csi", "CSI"},
-    {'5', "opcode", "--opcode", "OPcode"},
+    {'5', "opcode", "--opcode", "OPcode", 8},
 };
 // The dwords of a Management Interface command.
 inline constexpr NumberOption kRequestOptions[] = {

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -98,26 +96,6 @@ struct Wish {
     [[nodiscard]] QRX_U64 value(char letter) const { return values[static_cast<unsigned char>(letter)]; }
 };
 
-// As readHexOrNumber, of 64 bits: an LBA that was cut would be another one's.
-std::optional<QRX_U64> readLba(const char* text)
-{
-    if (text != nullptr && std::strstr(text, "0x") != nullptr) {
-        return std::strtoull(text, nullptr, 16);
-    }
-    return text != nullptr && isNumber(text) ? std::optional<QRX_U64>(std::strtoull(text, nullptr, 10)) : std::nullopt;
-}
-
-// A number that the field holds. One that it does not is none: cut, it would be another command.
-std::optional<QRX_U64> readField(const Field& field, const char* text)
-{
-    if (field.bits == 64) {
-        return readLba(text);
-    }
-    const std::optional<std::int32_t> number = qrx::readHexOrNumber(text);
-    const QRX_U64 value = static_cast<QRX_U32>(number.value_or(0));
-    return number && value >> field.bits == 0 ? std::optional<QRX_U64>(value) : std::nullopt;
-}
-
 // Stores the option's argument, null where it was left out; false after a complaint.
 bool read(const IoCommand& command, int letter, const char* argument, const char* word, Wish& wish)
 {
@@ -126,7 +104,7 @@ bool read(const IoCommand& command, int letter, const char* argument, const char
         return true;
     }
     const Field& field = *fieldOf(command, letter);
-    if (qrx::take(readField(field, argument), wish.values[static_cast<unsigned char>(letter)])) {
+    if (qrx::take(qrx::readExact(argument, field.bits), wish.values[static_cast<unsigned char>(letter)])) {
         return true;
     }
     const char* const label = command.oneDash && field.label[1] == '-' ? field.label + 1 : field.label;

@@ -34,6 +34,7 @@ Examples:
 namespace {
 
 constexpr QRX_U8 kVirtualizationManagement = 28;
+constexpr unsigned kBits = 32;  // of either number
 
 constexpr char kLetters[] = "c:n:\x01:h";
 constexpr option kLong[] = {
@@ -51,9 +52,9 @@ struct Wish {
 
 bool read(int letter, const char* word, Wish& wish)
 {
-    return letter == 'c' ? qrx::take(qrx::readHexOrNumber(word), wish.controller) ||
+    return letter == 'c' ? qrx::take(qrx::readExact(word, kBits), wish.controller) ||
                                qrx::complain("-c : invalid controller identifier '%s'\n", word)
-                         : qrx::take(qrx::readHexOrNumber(word), wish.count) ||
+                         : qrx::take(qrx::readExact(word, kBits), wish.count) ||
                                qrx::complain("-n : invalid number of controller '%s'\n", word);
 }
 

@@ -50,7 +50,8 @@ TEST_F(NamespaceIo, EachFieldOfReadByItself)
         {"--dsmsr=1", {0, 0x40, 0, 0}},
         {"--dsmal=3", {0, 0x30, 0, 0}},
         {"--dsmaf=15", {0, 0x0F, 0, 0}},
-        {"--eilbrt=-0x1", {0, 0, 0xFFFFFFFF, 0}},
+        {"--eilbrt=0xffffffff", {0, 0, 0xFFFFFFFF, 0}},
+        {"--eilbrt=4294967295", {0, 0, 0xFFFFFFFF, 0}},
         {"--datasize=0", {0, 0, 0, 0}},
     };
     for (const auto& [option, w] : fields) {
@@ -107,6 +108,11 @@ TEST_F(NamespaceIo, WriteUncorrectableIsARangeAlone)
     machine.expect(io(4, 3, {0x7FFFFFFF, 0, 0xFFFF, 0, 0, 0}));
     EXPECT_EQ(unlisted({"writeuncor", "-n", "3", "-s", "2147483647", "-l", "0xffff"}),
               (Outcome{0, "Write uncorrectable success.\n"}));
+    for (const std::string all : {"0xFFFFFFFF", "4294967295"}) {
+        machine.expect(io(4, 0xFFFFFFFF, {1, 0, 2, 0, 0, 0}));
+        EXPECT_EQ(unlisted({"writeuncor", "-n", all, "-s", "1", "-l", "2"}),
+                  (Outcome{0, "Write uncorrectable success.\n"}));
+    }
 }
 
 TEST_F(NamespaceIo, TheStartingLbaHasSixtyFourBits)
@@ -155,7 +161,7 @@ TEST_F(NamespaceIo, WriteSendsTheSmallestOfItsLengths)
     sent(0x10000, "512", 0);  // of the file's length 16 bits count
     sent(0x10010, "512", 0x10);
     sent(0x2FFFF, "0x40000", 0xFFFF);
-    sent(512, "-0x1", 512);
+    sent(512, "0xffffffff", 512);
     sent(0, "512", 0);
 }
 
@@ -174,7 +180,7 @@ TEST_F(NamespaceIo, CompareSendsTheFileUpToItsLimit)
 
 TEST_F(NamespaceIo, ReadFetchesAtMostItsLimit)
 {
-    for (const std::string size : {"0x20000", "0x20001", "2147483647", "-0x1"}) {
+    for (const std::string size : {"0x20000", "0x20001", "2147483647", "0xffffffff"}) {
         const Bytes data = pattern(0x20000, 77);
         machine.expect(io(2, 1, {0, 0, 0, 0, 0, 0}).receives(0x20000).carries(Bytes(0x20000)).data(data));
         EXPECT_EQ(unlisted({"read", "-n", "1", "-s", "0", "-l", "0", "-z", size, "-f", scratch.file("out", "old")}),
@@ -309,8 +315,8 @@ TEST_F(NamespaceIo, LettersOfOtherCommandsAreIllegal)
 
 // What each option says about a word that is no number, and about a number that its field does not hold.
 struct Complaint {
-    std::string option;    // up to its value
-    std::string tooLarge;  // empty: nothing is
+    std::string option;  // up to its value
+    std::string tooLarge;
     std::string line;
 };
 
@@ -320,9 +326,9 @@ protected:
     {
         for (const Complaint& complaint : complaints) {
             EXPECT_EQ(unlisted({word, complaint.option + "x", "-h"}), (Outcome{0, complaint.line}));
-            EXPECT_EQ(unlisted({word, complaint.option + "-1", "-h"}), (Outcome{0, complaint.line}));
-            if (!complaint.tooLarge.empty()) {
-                EXPECT_EQ(unlisted({word, complaint.option + complaint.tooLarge, "-h"}), (Outcome{0, complaint.line}));
+            for (const std::string& value : {std::string("-1"), std::string("-0x1"), std::string("0x1O"),
+                                             std::string("0x10000000000000000"), complaint.tooLarge}) {
+                EXPECT_EQ(unlisted({word, complaint.option + value, "-h"}), (Outcome{0, complaint.line})) << value;
             }
             if (complaint.option.back() == '=' && complaint.option != "--nsid=" && complaint.option != "--slba=" &&
                 complaint.option != "--nlb=") {
@@ -336,11 +342,11 @@ protected:
 
 TEST_F(Complaints, OfRead)
 {
-    check("read", {{"--nsid=", "", "-n: Invalid namespace id\n"},
-                   {"--slba=", "", "-s: Invalid starting LBA\n"},
+    check("read", {{"--nsid=", "4294967296", "-n: Invalid namespace id\n"},
+                   {"--slba=", "18446744073709551616", "-s: Invalid starting LBA\n"},
                    {"--nlb=", "65536", "-l: Invalid number of LBA\n"},
-                   {"--datasize=", "", "-z: Invalid data size\n"},
-                   {"--eilbrt=", "", "--ilbrt: Invalid expected initial logical block reference tag\n"},
+                   {"--datasize=", "0x100000000", "-z: Invalid data size\n"},
+                   {"--eilbrt=", "0x100000000", "--ilbrt: Invalid expected initial logical block reference tag\n"},
                    {"--elbat=", "65536", "--lbat: Invalid expected logical block application tag\n"},
                    {"--elbatm=", "65536", "--lbatm: Invalid expected logical block application tag mask\n"},
                    {"--prinfo=", "16", "--prinfo: Invalid protection information field\n"},
@@ -354,11 +360,11 @@ TEST_F(Complaints, OfRead)
 
 TEST_F(Complaints, OfWrite)
 {
-    check("write", {{"--nsid=", "", "-n: Invalid namespace id\n"},
-                    {"--slba=", "", "-s: Invalid starting LBA\n"},
+    check("write", {{"--nsid=", "4294967296", "-n: Invalid namespace id\n"},
+                    {"--slba=", "18446744073709551616", "-s: Invalid starting LBA\n"},
                     {"--nlb=", "0x10000", "-l: Invalid number of LBA\n"},
-                    {"--datasize=", "", "-z: Invalid data size\n"},
-                    {"--ilbrt=", "", "--ilbrt: Invalid initial logical block reference tag\n"},
+                    {"--datasize=", "0x100000000", "-z: Invalid data size\n"},
+                    {"--ilbrt=", "4294967296", "--ilbrt: Invalid initial logical block reference tag\n"},
                     {"--lbat=", "65536", "--lbat: Invalid logical block application tag\n"},
                     {"--lbatm=", "65536", "--lbatm: Invalid logical block application tag mask\n"},
                     {"--dtype=", "16", "--dtype: Invalid directive type\n"},
@@ -373,10 +379,10 @@ TEST_F(Complaints, OfWrite)
 
 TEST_F(Complaints, OfCompareHaveOneDash)
 {
-    check("compare", {{"--nsid=", "", "-n: Invalid namespace id\n"},
-                      {"--slba=", "", "-s: Invalid starting LBA\n"},
+    check("compare", {{"--nsid=", "4294967296", "-n: Invalid namespace id\n"},
+                      {"--slba=", "18446744073709551616", "-s: Invalid starting LBA\n"},
                       {"--nlb=", "65536", "-l: Invalid number of LBA\n"},
-                      {"--eilbrt=", "", "-ilbrt: Invalid expected initial logical block reference tag\n"},
+                      {"--eilbrt=", "0x100000000", "-ilbrt: Invalid expected initial logical block reference tag\n"},
                       {"--elbat=", "65536", "-lbat: Invalid expected logical block application tag\n"},
                       {"--elbatm=", "65536", "-lbatm: Invalid expected logical block application tag mask\n"},
                       {"--prinfo=", "16", "-prinfo: Invalid protection information field\n"},
@@ -386,12 +392,12 @@ TEST_F(Complaints, OfCompareHaveOneDash)
 
 TEST_F(Complaints, OfTheCommandsWithoutData)
 {
-    check("writezero", {{"--nsid=", "", "-n: Invalid namespace id\n"},
-                        {"--ilbrt=", "", "--ilbrt: Invalid initial logical block reference tag\n"},
+    check("writezero", {{"--nsid=", "4294967296", "-n: Invalid namespace id\n"},
+                        {"--ilbrt=", "4294967296", "--ilbrt: Invalid initial logical block reference tag\n"},
                         {"--deac=", "2", "--deac: Invalid deallocate\n"},
                         {"--lr=", "2", "--lr: Invalid limited retry\n"}});
-    check("writeuncor", {{"--nsid=", "", "-n: Invalid namespace id\n"},
-                         {"--slba=", "", "-s: Invalid starting LBA\n"},
+    check("writeuncor", {{"--nsid=", "4294967296", "-n: Invalid namespace id\n"},
+                         {"--slba=", "18446744073709551616", "-s: Invalid starting LBA\n"},
                          {"--nlb=", "65536", "-l: Invalid number of LBA\n"}});
 }
 

@@ -43,6 +43,8 @@ TEST_F(Format, OnlyTheNamespaceIsRequired)
     EXPECT_EQ(unlisted({"format", "-f", "1"}), (Outcome{0, "format: option -n is required\n"}));
     machine.expect(format(1, 0));
     EXPECT_EQ(unlisted({"format", "-n", "1"}), (Outcome{0, "Format namespace success..\n"}));
+    machine.expect(format(0xFFFFFFFF, 0));  // all of them
+    EXPECT_EQ(unlisted({"format", "-n", "4294967295"}), (Outcome{0, "Format namespace success..\n"}));
 }
 
 TEST_F(Format, TellsOfAFailure)
@@ -88,13 +90,14 @@ TEST_F(Format, OptionsAreChecked)
 
 TEST_F(Format, AValueThatTheCommandHasNoRoomForIsNotCut)
 {
-    const std::pair<std::string, std::string> options[] = {{"16", "-f : invalid LBA format '16'\n"},
+    const std::pair<std::string, std::string> options[] = {{"4294967296", "-n : invalid namespace ID '4294967296'\n"},
+                                                           {"16", "-f : invalid LBA format '16'\n"},
                                                            {"2", "-m : invalid Metadata Settings '2'\n"},
                                                            {"8", "-i : invalid Protection Information '8'\n"},
                                                            {"2", "-l : invalid Protection Information Location '2'\n"},
                                                            {"8", "-s : invalid Secure Erase Settings '8'\n"}};
     for (const auto& [value, line] : options) {
-        EXPECT_EQ(unlisted({"format", "-n", "1", line.substr(0, 2), value}), (Outcome{0, line}));
+        EXPECT_EQ(unlisted({"format", line.substr(0, 2), value, "-h"}), (Outcome{0, line}));
     }
 }
 
@@ -122,8 +125,8 @@ TEST_F(VfManage, AllocatesToAPrimaryFunction)
     const char done[] = "cmd success, please doing controller level reset to update host queue source\n";
     machine.expect(manage(0x00000001, 16));
     EXPECT_EQ(unlisted({"vf-manage", "-c", "0", "-n", "16"}), (Outcome{0, done}));
-    machine.expect(manage(0x00010001, 0x7FFFFFFF));
-    EXPECT_EQ(unlisted({"vf-manage", "--cntlid", "0x1", "--nr", "0x7fffffff"}), (Outcome{0, done}));
+    machine.expect(manage(0x00010001, 0xFFFFFFFE));
+    EXPECT_EQ(unlisted({"vf-manage", "--cntlid", "0x1", "--nr", "0xfffffffe"}), (Outcome{0, done}));
     machine.expect(manage(0x00000001, 4).status(0x121));
     EXPECT_EQ(unlisted({"vf-manage", "-c", "0", "-n", "4"}),
               (Outcome{0x121, "cmd failed\n", "Invalid Number of Controller Resources (Status Code: 0x121)\n"}));
@@ -171,11 +174,18 @@ TEST_F(VfManage, WorksOnEveryController)
 
 TEST_F(VfManage, OptionsAreChecked)
 {
-    for (const std::string id : {"34", "65536", "65538", "-0x1"}) {
+    for (const std::string id : {"34", "65536", "65538", "0xffffffff"}) {
         EXPECT_EQ(unlisted({"vf-manage", "-c", id, "-n", "1"}), (Outcome{0, "controller ID: out of range\n"}));
     }
-    EXPECT_EQ(unlisted({"vf-manage", "-c", "x", "-h"}), (Outcome{0, "-c : invalid controller identifier 'x'\n"}));
+    for (const std::string id : {"x", "-0x1", "0x1O", "0x100000000"}) {
+        EXPECT_EQ(unlisted({"vf-manage", "-c", id, "-h"}),
+                  (Outcome{0, "-c : invalid controller identifier '" + id + "'\n"}));
+    }
     EXPECT_EQ(unlisted({"vf-manage", "-n", "x", "-h"}), (Outcome{0, "-n : invalid number of controller 'x'\n"}));
+    for (const std::string count : {"0x100000000", "4294967296", "-0x1"}) {
+        EXPECT_EQ(unlisted({"vf-manage", "-n", count, "-h"}),
+                  (Outcome{0, "-n : invalid number of controller '" + count + "'\n"}));
+    }
     EXPECT_EQ(unlisted({"vf-manage", "-n", "1"}), (Outcome{0, "vf-manage: option -c is required\n"}));
     EXPECT_EQ(unlisted({"vf-manage", "-c", "1"}), (Outcome{0, "vf-manage: option -n is required\n"}));
     EXPECT_EQ(unlisted({"vf-manage", "-c", "1", "-c", "1"}), kDuplicate);

@@ -28,6 +28,16 @@ protected:
         EXPECT_EQ(unlisted({word, "--help"}), (Outcome{0, helpOf(word)}));
         EXPECT_EQ(unlisted({word, "-Z"}), (Outcome{0, "", "", word + ": illegal option -- Z\n"}));
     }
+    // Each option is a number that its place holds whole.
+    static void checkWords(const std::string& word,
+                           std::initializer_list<std::pair<std::string, std::string>> complaints)
+    {
+        for (const auto& [option, line] : complaints) {
+            for (const std::string number : {"0x100000000", "4294967296", "-0x1", "0x1g", "99999999999999999999"}) {
+                EXPECT_EQ(unlisted({word, option, number, "-h"}), (Outcome{0, line})) << option << " " << number;
+            }
+        }
+    }
     // Each option is a number, and comes once.
     static void checkNumbers(const std::string& word,
                              std::initializer_list<std::pair<std::string, std::string>> complaints)

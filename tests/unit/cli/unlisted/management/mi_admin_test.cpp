@@ -60,6 +60,13 @@ TEST_F(MiAdminSend, EachOptionHasItsPlace)
                   "0x1020307",     "-i", "0x1020308", "-j", "0x1020309", "-k", "0x102030a", "-l", "0x102030b", "-m",
                   "0x102030c"}),
         (Outcome{0, kDone}));
+    Bytes page = message(0x84, 0x10, 2);  // Get Log Page of every namespace
+    put32(page, 8, 0xFFFFFFFF);
+    put32(page, 44, 0x7F0002);
+    machine.expect(send(page));
+    EXPECT_EQ(unlisted({"mi_admin_send", "--msgtype", "4", "--ic", "1", "--opcode", "2", "--sqe_dw1", "0xFFFFFFFF",
+                        "--sqe_dw10", "0x7F0002"}),
+              (Outcome{0, kDone}));
     machine.expect(send(message(0, 0x10, 6)));
     EXPECT_EQ(unlisted({"mi_admin_send", "--opcode=6", "--ic=2", "--ror=2", "--csi=2", "--msgtype=128"}),
               (Outcome{0, kDone}));
@@ -106,27 +113,31 @@ TEST_F(MiAdminSend, DebugShowsTheMessage)
 
 TEST_F(MiAdminSend, OptionsAreChecked)
 {
-    checkNumbers("mi_admin_send", {{"--msgtype", "--msgtype: Invalid message type\n"},
-                                   {"--ic", "--ic: Invalid IC\n"},
-                                   {"--ror", "--ror: Invalid ROR\n"},
-                                   {"--csi", "--csi: Invalid CSI\n"},
-                                   {"--opcode", "--opcode: Invalid OPcode\n"},
-                                   {"--offset", "--offset: Invalid offset\n"},
-                                   {"--data_len", "--data_len: Invalid data length\n"},
-                                   {"--sqe_dw1", "--sqe_dw1: Invalid SQE DW1\n"},
-                                   {"--sqe_dw2", "--sqe_dw2: Invalid SQE DW2\n"},
-                                   {"--sqe_dw3", "--sqe_dw3: Invalid SQE DW3\n"},
-                                   {"--sqe_dw4", "--sqe_dw4: Invalid SQE DW4\n"},
-                                   {"--sqe_dw5", "--sqe_dw5: Invalid SQE DW5\n"},
-                                   {"--sqe_dw8", "--sqe_dw8: Invalid SQE DW8\n"},
-                                   {"--sqe_dw9", "--sqe_dw3: Invalid SQE DW9\n"},
-                                   {"--sqe_dw10", "--sqe_dw10: Invalid SQE DW10\n"},
-                                   {"--sqe_dw11", "--sqe_dw11: Invalid SQE DW11\n"},
-                                   {"--sqe_dw12", "--sqe_dw12: Invalid SQE DW12\n"},
-                                   {"--sqe_dw13", "--sqe_dw13: Invalid SQE DW13\n"},
-                                   {"--sqe_dw14", "--sqe_dw14: Invalid SQE DW14\n"},
-                                   {"--sqe_dw15", "--sqe_dw15: Invalid SQE DW15\n"}});
+    const std::initializer_list<std::pair<std::string, std::string>> complaints = {
+        {"--msgtype", "--msgtype: Invalid message type\n"},
+        {"--ic", "--ic: Invalid IC\n"},
+        {"--ror", "--ror: Invalid ROR\n"},
+        {"--csi", "--csi: Invalid CSI\n"},
+        {"--opcode", "--opcode: Invalid OPcode\n"},
+        {"--offset", "--offset: Invalid offset\n"},
+        {"--data_len", "--data_len: Invalid data length\n"},
+        {"--sqe_dw1", "--sqe_dw1: Invalid SQE DW1\n"},
+        {"--sqe_dw2", "--sqe_dw2: Invalid SQE DW2\n"},
+        {"--sqe_dw3", "--sqe_dw3: Invalid SQE DW3\n"},
+        {"--sqe_dw4", "--sqe_dw4: Invalid SQE DW4\n"},
+        {"--sqe_dw5", "--sqe_dw5: Invalid SQE DW5\n"},
+        {"--sqe_dw8", "--sqe_dw8: Invalid SQE DW8\n"},
+        {"--sqe_dw9", "--sqe_dw3: Invalid SQE DW9\n"},
+        {"--sqe_dw10", "--sqe_dw10: Invalid SQE DW10\n"},
+        {"--sqe_dw11", "--sqe_dw11: Invalid SQE DW11\n"},
+        {"--sqe_dw12", "--sqe_dw12: Invalid SQE DW12\n"},
+        {"--sqe_dw13", "--sqe_dw13: Invalid SQE DW13\n"},
+        {"--sqe_dw14", "--sqe_dw14: Invalid SQE DW14\n"},
+        {"--sqe_dw15", "--sqe_dw15: Invalid SQE DW15\n"}};
+    checkNumbers("mi_admin_send", complaints);
+    checkWords("mi_admin_send", complaints);
     EXPECT_EQ(unlisted({"mi_admin_send", "-f", fileOf({}), "-f", fileOf({})}), kDuplicate);
+    EXPECT_EQ(unlisted({"mi_admin_send", "--opcode", "256"}), (Outcome{0, "--opcode: Invalid OPcode\n"}));
 }
 
 // --- mi_admin_receive ------------------------------------------------------------------------------------------------

@@ -124,7 +124,7 @@ TEST_F(NewMiReceive, NothingIsShownFromBehindTheAnswer)
     EXPECT_EQ(unlisted({"new_mi_receive", "-6", "4090", "-l", "4096"}),
               (Outcome{0, kEnd, "content.....\n" + rows(some(answer, 4090, 6), 4090)}));
     machine.expect(receiveData({0x0800, 0, 0xFFFFFFFF, 0}).data(answer));
-    EXPECT_EQ(unlisted({"new_mi_receive", "-6", "-0x1", "-l", "8"}), (Outcome{0, kEnd, "content.....\n\n"}));
+    EXPECT_EQ(unlisted({"new_mi_receive", "-6", "0xffffffff", "-l", "8"}), (Outcome{0, kEnd, "content.....\n\n"}));
     EXPECT_EQ(unlisted({"new_mi_receive", "-l", "4097"}),
               (Outcome{1, "new_mi_receive: data length 4097 is over the 4096 bytes of one answer\n"}));
 }

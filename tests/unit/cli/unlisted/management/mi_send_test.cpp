@@ -47,8 +47,10 @@ TEST_F(MiSend, WithoutAFileSendsARequestWithNoListing)
 {
     machine.expect(miSend(message(0, 0x08, 5, 0, 0), 259));
     EXPECT_EQ(unlisted({"mi_send", "--opcode", "5"}), (Outcome{0, kDone}));
-    machine.expect(miSend(message(0, 0x08, 0, 0x11, 0x7FFFFFFF), 259));
+    machine.expect(miSend(message(0, 0x08, 0, 0x11, 0x80000000), 259));
     EXPECT_EQ(unlisted({"mi_send", "--req_dw0", "0x11", "--req_dw1", "0x80000000"}), (Outcome{0, kDone}));
+    machine.expect(miSend(message(0, 0x08, 0, 0xFFFFFFFF, 0xFFFFFFFE), 259));
+    EXPECT_EQ(unlisted({"mi_send", "--req_dw0", "0xFFFFFFFF", "--req_dw1", "4294967294"}), (Outcome{0, kDone}));
 }
 
 TEST_F(MiSend, EachOptionHasItsPlace)
@@ -58,11 +60,11 @@ TEST_F(MiSend, EachOptionHasItsPlace)
                         "--req_dw0", "0x12345678", "--req_dw1", "0x22"}),
               (Outcome{0, kDone}));
     const std::pair<std::string, Bytes> single[] = {
-        {"-0127", message(0x7F, 0x08, 0, 0, 0)},   {"-0128", message(0, 0x08, 0, 0, 0)},
-        {"-11", message(0x80, 0x08, 0, 0, 0)},     {"-12", message(0, 0x08, 0, 0, 0)},
-        {"-21", message(0, 0x88, 0, 0, 0)},        {"-22", message(0, 0x08, 0, 0, 0)},
-        {"-31", message(0, 0x09, 0, 0, 0)},        {"-32", message(0, 0x08, 0, 0, 0)},
-        {"-50x1ff", message(0, 0x08, 0xFF, 0, 0)}, {"-6-0x1", message(0, 0x08, 0, 0xFFFFFFFF, 0)},
+        {"-0127", message(0x7F, 0x08, 0, 0, 0)},  {"-0128", message(0, 0x08, 0, 0, 0)},
+        {"-11", message(0x80, 0x08, 0, 0, 0)},    {"-12", message(0, 0x08, 0, 0, 0)},
+        {"-21", message(0, 0x88, 0, 0, 0)},       {"-22", message(0, 0x08, 0, 0, 0)},
+        {"-31", message(0, 0x09, 0, 0, 0)},       {"-32", message(0, 0x08, 0, 0, 0)},
+        {"-50xff", message(0, 0x08, 0xFF, 0, 0)}, {"-60xfedcba98", message(0, 0x08, 0, 0xFEDCBA98, 0)},
         {"-79", message(0, 0x08, 0, 0, 9)},
     };
     for (const auto& [option, wanted] : single) {
@@ -95,7 +97,7 @@ TEST_F(MiSend, TheListingStartsAtTheFirstDword)
     EXPECT_EQ(unlisted({"mi_send", "-5", "6", "-6", "5", "-7", "12", "-f", fileOf(data)}),
               (Outcome{0, kDone, rows(padded(some(data, 5, 7), 12), 5)}));
     machine.expect(miSend(message(0, 0x08, 6, 0xFFFFFFFF, 12, data, 12), 262));
-    EXPECT_EQ(unlisted({"mi_send", "-5", "6", "-6", "-0x1", "-7", "12", "-f", fileOf(data)}),
+    EXPECT_EQ(unlisted({"mi_send", "-5", "6", "-6", "0xffffffff", "-7", "12", "-f", fileOf(data)}),
               (Outcome{0, kDone, rows(Bytes(12), 0xFFFFFFFF)}));
 }
 
@@ -109,7 +111,7 @@ TEST_F(MiSend, AMessageFillsThePageAndNotMore)
     EXPECT_EQ(unlisted({"mi_send", "-7", "1029", "-f", fileOf(pattern(4))}),
               (Outcome{1, "mi_send: data length 1029 is over the 1028 bytes of the message of a file of 4 bytes\n"}));
     EXPECT_EQ(
-        unlisted({"mi_send", "-7", "-0x1", "-f", fileOf(pattern(4))}),
+        unlisted({"mi_send", "-7", "0xffffffff", "-f", fileOf(pattern(4))}),
         (Outcome{1, "mi_send: data length 4294967295 is over the 1028 bytes of the message of a file of 4 bytes\n"}));
     EXPECT_EQ(file, nullptr);
 }
@@ -140,8 +142,10 @@ TEST_F(MiSend, DebugShowsTheRequest)
 TEST_F(MiSend, OptionsAreChecked)
 {
     checkNumbers("mi_send", kComplaints);
+    checkWords("mi_send", kComplaints);
     EXPECT_EQ(unlisted({"mi_send", "-f", fileOf({}), "-f", fileOf({})}), kDuplicate);
     EXPECT_EQ(unlisted({"mi_send", "-l", "1"}), (Outcome{0, "", "", "mi_send: illegal option -- l\n"}));
+    EXPECT_EQ(unlisted({"mi_send", "--opcode", "0x106"}), (Outcome{0, "--opcode: Invalid OPcode\n"}));
 }
 
 // --- new_mi_send -----------------------------------------------------------------------------------------------------
@@ -163,6 +167,9 @@ TEST_F(NewMiSend, WithoutAFileSendsTheHeadAlone)
               (Outcome{0, "MI send success.\nall flow done\n"}));
     machine.expect(sendData({0x8800, 0, 0, 0}, {}));
     EXPECT_EQ(unlisted({"new_mi_send", "--ror", "3", "--ic", "2", "--csi", "2", "-l", "9999"}),
+              (Outcome{0, "MI send success.\nall flow done\n"}));
+    machine.expect(sendData({0x0800, 0, 0xFFFFFFFF, 0x80000000}, {}));
+    EXPECT_EQ(unlisted({"new_mi_send", "--req_dw0", "0xffffffff", "--req_dw1", "2147483648"}),
               (Outcome{0, "MI send success.\nall flow done\n"}));
 }
 
@@ -190,7 +197,7 @@ TEST_F(NewMiSend, APayloadFillsThePageAndNotMore)
     EXPECT_EQ(unlisted({"new_mi_send", "-l", "4096", "-f", fileOf(content)}).result, 0);
     EXPECT_EQ(unlisted({"new_mi_send", "-l", "4097", "-f", fileOf(content)}),
               (Outcome{1, "new_mi_send: data length 4097 is over the 4096 bytes of one command\n"}));
-    EXPECT_EQ(unlisted({"new_mi_send", "-l", "-0x1", "-f", fileOf(content)}),
+    EXPECT_EQ(unlisted({"new_mi_send", "-l", "4294967295", "-f", fileOf(content)}),
               (Outcome{1, "new_mi_send: data length 4294967295 is over the 4096 bytes of one command\n"}));
 }
 
