@@ -206,6 +206,10 @@ TEST_F(MiAdminReceive, TheFileTakesAllOfTheData)
     EXPECT_EQ(contentOf(path("out")), textOf(data()));
     EXPECT_EQ(file, nullptr);
     machine.expect(receive().data(answer()));
+    EXPECT_EQ(unlisted({"mi_admin_receive", "-l", "5000", "-f", scratch.file("out", "old")}),
+              (Outcome{0, "Status:0x12\n"}));
+    EXPECT_EQ(contentOf(path("out")), textOf(data()));
+    machine.expect(receive().data(answer()));
     EXPECT_EQ(unlisted({"mi_admin_receive", "-f", "/dev/full"}),
               (Outcome{1,
                        "Status:0x12\nmi_admin_receive: cannot write '/dev/full': No space left on device; the file "
