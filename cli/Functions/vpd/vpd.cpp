@@ -115,7 +115,7 @@ int readVpd(PCommand_Info row, Wish& wish)
 int writeVpd(PCommand_Info row, Wish& wish)
 {
     if (!wish.input.isNamed()) {
-        return refuse(0, "Please provide input file.");
+        return refuse(0, "Please provide input file.\n");
     }
     Vpd vpd{};
     if (!wish.input.readUpTo(vpd)) {

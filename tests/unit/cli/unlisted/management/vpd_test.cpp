@@ -181,7 +181,7 @@ TEST_F(OldVpd, WritesABlock)
 
 TEST_F(OldVpd, AWriteNeedsAFile)
 {
-    EXPECT_EQ(unlisted({"vpd", "-t", "vsw"}), (Outcome{0, "Please provide input file."}));
+    EXPECT_EQ(unlisted({"vpd", "-t", "vsw"}), (Outcome{0, "Please provide input file.\n"}));
     const std::string none = path("none");
     EXPECT_EQ(unlisted({"vpd", "-t", "vsw", "-2", none}),
               (Outcome{1, "vpd: cannot open '" + none + "': No such file or directory\n"}));
