@@ -77,14 +77,14 @@ struct Wish {
 bool addControllers(std::string_view list, NVME_NS_ATTACHMENT_PRP& controllers)
 {
     return qrx::eachElement(list, [&](const char* element) {
-        const auto id = qrx::readNumber(element);
+        const auto id = qrx::narrowId(qrx::readNumber(element));
         if (!id) {
             return complain("--list : controller ids should be a number\n");
         }
         if (controllers.NumOfIdentifiers == kControllerListMax) {
             return complain("--list : at most %zu controller ids\n", kControllerListMax);
         }
-        controllers.Identifier[controllers.NumOfIdentifiers++] = static_cast<QRX_U16>(*id);
+        controllers.Identifier[controllers.NumOfIdentifiers++] = *id;
         return true;
     });
 }

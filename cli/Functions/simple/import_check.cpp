@@ -2,6 +2,7 @@
 
 #include "api/src/interface/globals.h"
 #include "cli/Public/frame/controller.h"
+#include "cli/Public/frame/number.h"
 #include "cli/Public/frame/option_scan.h"
 #include "cli/Public/frame/report.h"
 
@@ -25,7 +26,7 @@ bool takeController(std::optional<std::int32_t> id, const char* word, QRX_U8& ad
 
 bool takeVd(std::optional<std::int32_t> id, const char* word, QRX_U16& vd)
 {
-    return take(id, vd) || complain("-l : invalid VD ID '%s'\n", word);
+    return take(narrowId(id), vd) || complain("-l : invalid VD ID '%s'\n", word);
 }
 
 bool canImport(QRX_U8 adapter, QRX_U32 features)

@@ -1,6 +1,8 @@
 // The actions of `ns`. Those that change the layout are refused in a virtual function.
 #include "cli/Functions/simple/ns_actions.h"
 
+#include <optional>
+
 #include "api/src/interface/globals.h"
 #include "api/src/interface/wire/pd.h"
 #include "cli/Functions/simple/info_fetch.h"
@@ -12,6 +14,7 @@
 #include "cli/Public/frame/controller.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/identify.h"
+#include "cli/Public/frame/number.h"
 #include "cli/Public/frame/report.h"
 
 namespace qrx::ns {
@@ -20,6 +23,7 @@ namespace {
 constexpr QRX_U8 kSubInit = 2;
 constexpr QRX_U8 kSubShare = 3;
 constexpr QRX_U8 kSubCreate = 4;
+constexpr char kInvalidEui64[] = "invalid EUI64 id: %s\n";
 
 // Whether this function may change the layout; tells when not.
 bool isPhysical(const char* action)
@@ -40,7 +44,17 @@ bool resolve(const OptionScan& scan, Wish& wish)
         return true;
     }
     wish.id = getNSIDfromEUI64(wish.eui64);
-    return wish.id != -1 || complain("invalid EUI64 id: %s\n", wish.eui64);
+    return wish.id != -1 || complain(kInvalidEui64, wish.eui64);
+}
+
+// The id as a command has room for it; nothing after a complaint.
+std::optional<QRX_U16> unitOf(const OptionScan& scan, const Wish& wish)
+{
+    const auto unit = narrowId(wish.id);
+    if (!unit) {
+        scan.has('e') ? print(kInvalidEui64, wish.eui64) : print(kInvalidId, wish.idWord);
+    }
+    return unit;
 }
 
 int init(PCommand_Info row, const OptionScan& scan, const Wish& wish)
@@ -51,8 +65,12 @@ int init(PCommand_Info row, const OptionScan& scan, const Wish& wish)
     if (!isPhysical("Init")) {
         return 0;
     }
-    return carryOut(vendorCommand(kGroupNs, kSubInit, static_cast<QRX_U16>(wish.id)).word(14, wish.count),
-                    "\nUnable to initial NS\n", "\nInitial NS successfully\n");
+    const auto pd = unitOf(scan, wish);
+    if (!pd) {
+        return 0;
+    }
+    return carryOut(vendorCommand(kGroupNs, kSubInit, *pd).word(14, wish.count), "\nUnable to initial NS\n",
+                    "\nInitial NS successfully\n");
 }
 
 int share(PCommand_Info row, const OptionScan& scan, Wish& wish)
@@ -66,10 +84,14 @@ int share(PCommand_Info row, const OptionScan& scan, Wish& wish)
     if (!isPhysical("Share")) {
         return 0;
     }
+    const auto nsid = unitOf(scan, wish);
+    if (!nsid) {
+        return 0;
+    }
     // As _NMIC_Data: the mode, and the controller that owns a private namespace.
-    const QRX_U32 nmic = wish.shared != 0 ? 1 : static_cast<QRX_U32>(static_cast<QRX_U8>(wish.cid)) << 8;
-    return carryOut(vendorCommand(kGroupNs, kSubShare, static_cast<QRX_U16>(wish.id)).word(14, nmic),
-                    "\nUnable to set sharing NS\n", "\nSet sharing NS successfully\n");
+    const QRX_U32 nmic = wish.shared != 0 ? 1 : QRX_U32{wish.cid} << 8U;
+    return carryOut(vendorCommand(kGroupNs, kSubShare, *nsid).word(14, nmic), "\nUnable to set sharing NS\n",
+                    "\nSet sharing NS successfully\n");
 }
 
 int create(PCommand_Info row, const OptionScan& scan, const Wish& wish)
@@ -80,15 +102,16 @@ int create(PCommand_Info row, const OptionScan& scan, const Wish& wish)
     if (!isPhysical("Create")) {
         return 0;
     }
+    // The command names the disk by its id plus 1, in 8 bits.
+    const auto pd = narrowId<QRX_U8>(wish.id);
+    const auto pdvdid = static_cast<QRX_U8>(pd.value_or(0) + 1);
     QRX_U32 sectorSize = 0;
-    if (GetSectorSizeFromPD(static_cast<QRX_U16>(wish.id), &sectorSize) != 0 || sectorSize == 0) {
+    if (!pd || pdvdid == 0 || GetSectorSizeFromPD(*pd, &sectorSize) != 0 || sectorSize == 0) {
         return refuse(0, "\nInvalid PD ID: %d\n", wish.id);
     }
     const QRX_U64 nsSize = QRX_U64{wish.gigabytes} << 30;
     const QRX_U64 sectors = nsSize / sectorSize;
-    const auto pdvdid = static_cast<QRX_U8>(static_cast<QRX_U32>(wish.id) + 1);
-    const auto cid = static_cast<QRX_U8>(wish.cid);
-    return carryOut(vendorCommand(kGroupNs, kSubCreate, static_cast<QRX_U16>(pdvdid | cid << 8))
+    return carryOut(vendorCommand(kGroupNs, kSubCreate, static_cast<QRX_U16>(pdvdid | wish.cid << 8))
                         .word(13, static_cast<QRX_U32>(sectors))
                         .word(14, static_cast<QRX_U32>(sectors >> 32))
                         .word(15, 0),

@@ -17,16 +17,19 @@ void showNSInfo();
 
 namespace qrx::ns {
 
+inline constexpr char kInvalidId[] = "invalid id '%s'\n";
+
 enum Action { kInit, kShare, kCreate, kAttach, kDetach };
 
 // The options of one command.
 struct Wish {
     int action = -1;
-    int id = 0;              // of a PD or a namespace
+    int id = 0;  // of a PD or a namespace
+    const char* idWord = "";
     const char* eui64 = "";  // 16 characters
     QRX_U8 count = 0;        // of namespaces
     QRX_U8 shared = 0;
-    int cid = 0;  // controller id
+    QRX_U8 cid = 0;  // controller id
     QRX_U32 gigabytes = 0;
     NVME_NS_ATTACHMENT_PRP controllers{};
 };

@@ -30,14 +30,17 @@ bool addControllers(std::string_view list, int base, NVME_NS_ATTACHMENT_PRP& con
 {
     return eachElement(list, [&](const char* element) {
         int id = 0;
-        if (!readShifted(element, base, id, "-d : controller ids should be a number\n",
-                         "invalid controller id '%s'\n")) {
+        if (!readShifted(element, base, id, "-d : controller ids should be a number\n", kInvalidController)) {
             return false;
+        }
+        const auto controller = narrowId(id);
+        if (!controller) {
+            return complain(kInvalidController, element);
         }
         if (controllers.NumOfIdentifiers == kControllerListMax) {
             return complain("-d : at most %zu controller ids\n", kControllerListMax);
         }
-        controllers.Identifier[controllers.NumOfIdentifiers++] = static_cast<QRX_U16>(id);
+        controllers.Identifier[controllers.NumOfIdentifiers++] = *controller;
         return true;
     });
 }

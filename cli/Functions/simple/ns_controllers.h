@@ -8,6 +8,8 @@
 
 namespace qrx::ns {
 
+inline constexpr char kInvalidController[] = "invalid controller id '%s'\n";
+
 // Stores a number less `base`; false after a complaint, of which `negative` takes the word.
 bool readShifted(const char* word, int base, int& field, const char* notNumber, const char* negative);
 

@@ -2,8 +2,6 @@
 #include "cli/Functions/simple/oem_security.h"
 
 #include <algorithm>
-#include <limits>
-#include <optional>
 
 #include "cli/Public/frame/number.h"
 #include "cli/Public/frame/report.h"
@@ -21,9 +19,7 @@ bool readDrive(const char* word, QRX_U16& drive, const char* notNumber)
     if (!id) {
         return complain("%s", notNumber);
     }
-    // Cut to its half of the word, it would be another drive.
-    return take(*id <= std::numeric_limits<QRX_U16>::max() ? id : std::nullopt, drive) ||
-           complain("-i : invalid PD id '%s'\n", word);
+    return take(narrowId(id), drive) || complain("-i : invalid PD id '%s'\n", word);
 }
 
 int tell(int status, const char* what)

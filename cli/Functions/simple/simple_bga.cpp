@@ -147,11 +147,13 @@ bool read(int letter, const char* word, Wish& wish)
     case 'a':
         return take(qrx::keyword(word, kActions), wish.action) || complain("-a : invalid action '%s'.\n", word);
     case 'i':
-        return take(qrx::readId(word), wish.vd) || complain("-i : invalid vd id '%s'.\n", word);
+        return take(qrx::narrowId(qrx::readId(word)), wish.vd) || complain("-i : invalid vd id '%s'.\n", word);
     default:
         // An id that the numbering does not have is told about with the letter of the other id.
-        return take(qrx::readId(word), wish.pd) ||
-               complain(qrx::readNumber(word) ? "-i : invalid pd id '%s'.\n" : "-d : invalid pd id '%s'.\n", word);
+        if (const auto number = qrx::readNumber(word); number && *number < qrx::idBase()) {
+            return complain("-i : invalid pd id '%s'.\n", word);
+        }
+        return take(qrx::narrowId(qrx::readId(word)), wish.pd) || complain("-d : invalid pd id '%s'.\n", word);
     }
 }
 

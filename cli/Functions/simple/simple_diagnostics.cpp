@@ -235,7 +235,8 @@ int doSoffline(int argc, char** argv, PCommand_Info pCmdInfo)
             if (!isNumber(scan.word())) {
                 return qrx::complain("-i: id should be a number\n");
             }
-            return qrx::take(qrx::readId(scan.word()), id) || qrx::complain("invalid id '%s'\n", scan.word());
+            return qrx::take(qrx::narrowId(qrx::readId(scan.word())), id) ||
+                   qrx::complain("invalid id '%s'\n", scan.word());
         })) {
         return *result;
     }

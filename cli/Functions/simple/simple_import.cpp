@@ -73,9 +73,9 @@ bool read(int letter, const char* word, Wish& wish)
     case 'i':
         return qrx::takeController(qrx::readId(word), word, wish.adapter);
     case 'p':
-        return take(qrx::readId(word), wish.pd) || complain("-p : invalid PD ID '%s'\n", word);
+        return take(qrx::narrowId(qrx::readId(word)), wish.pd) || complain("-p : invalid PD ID '%s'\n", word);
     case 'n':
-        return take(readTableId(word), wish.table) || complain("-n : invalid NS Table ID '%s'\n", word);
+        return take(qrx::narrowId(readTableId(word)), wish.table) || complain("-n : invalid NS Table ID '%s'\n", word);
     default:
         return qrx::takeVd(qrx::readId(word), word, wish.vd);
     }

@@ -71,7 +71,7 @@ bool read(int letter, const char* word, Wish& wish)
     case 'o':
         return take(qrx::keyword(word, kObjects), wish.group) || complain("-m : invalid object '%s'.\n", word);
     case 'i':
-        return take(qrx::readId(word), wish.id) || complain("-i : invalid id '%s'\n", word);
+        return take(qrx::narrowId(qrx::readId(word)), wish.id) || complain("-i : invalid id '%s'\n", word);
     default:
         return take(qrx::keyword(word, kStates), wish.state) || complain("-a : invalid action '%s'.\n", word);
     }

@@ -105,7 +105,8 @@ bool read(int letter, const char* word, Wish& wish)
     case 'i': {
         // A PD id, and shifted, only where its action is already known.
         const bool isPd = wish.action == qrx::ns::kInit || wish.action == qrx::ns::kCreate;
-        return readShifted(word, isPd ? qrx::idBase() : 0, wish.id, "-i: id should be a number\n", "invalid id '%s'\n");
+        wish.idWord = word;
+        return readShifted(word, isPd ? qrx::idBase() : 0, wish.id, "-i: id should be a number\n", qrx::ns::kInvalidId);
     }
     case 'e':
         wish.eui64 = word;
@@ -114,9 +115,12 @@ bool read(int letter, const char* word, Wish& wish)
         return take(qrx::readNumber(word), wish.count) || complain("-n: number of namespace should be a number\n");
     case 's':
         return take(qrx::keyword(word, kYesNo), wish.shared) || complain("-s : invalid option '%s'.\n", word);
-    case 'c':
-        return readShifted(word, qrx::idBase(), wish.cid, "-c: controller id should be a number\n",
-                           "invalid controller id '%s'\n");
+    case 'c': {
+        int id = 0;
+        return readShifted(word, qrx::idBase(), id, "-c: controller id should be a number\n",
+                           qrx::ns::kInvalidController) &&
+               (take(qrx::narrowId<QRX_U8>(id), wish.cid) || complain(qrx::ns::kInvalidController, word));
+    }
     case 'l':
         wish.gigabytes = qrx::strtoul32(word, 10);
         return isNumber(word) || complain("-l: Invalid NS size\n");

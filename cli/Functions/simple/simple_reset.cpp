@@ -81,9 +81,11 @@ constexpr qrx::Keyword kActions[] = {{"cycle", kCycle}, {"on", kOn}, {"off", kOf
 
 constexpr QRX_U8 kSubReset = 0x08;
 constexpr int kPowerPins = 2;
+constexpr char kInvalidId[] = "-i : invalid device id '%s'\n";
 
 struct Wish {
     int id = 0;
+    const char* idWord = "";
     int type = kDevice;
     int action = kCycle;
 };
@@ -93,7 +95,8 @@ bool read(int letter, const char* word, Wish& wish)
 {
     switch (letter) {
     case 'i':
-        return take(qrx::readId(word), wish.id) || complain("-i : invalid device id '%s'\n", word);
+        wish.idWord = word;
+        return take(qrx::readId(word), wish.id) || complain(kInvalidId, word);
     case 't':
         return take(qrx::keyword(word, kTypes), wish.type) || complain("-t : invalid type '%s'.\n", word);
     default:
@@ -102,10 +105,9 @@ bool read(int letter, const char* word, Wish& wish)
 }
 
 // CDW14: the drive or pin in bits 15 to 0, the type in bits 23 to 16, the action in bits 31 to 24.
-QRX_U32 wordOf(const Wish& wish)
+QRX_U32 wordOf(QRX_U16 id, const Wish& wish)
 {
-    return static_cast<QRX_U16>(wish.id) | static_cast<QRX_U32>(wish.type) << 16U |
-           static_cast<QRX_U32>(wish.action) << 24U;
+    return id | static_cast<QRX_U32>(wish.type) << 16U | static_cast<QRX_U32>(wish.action) << 24U;
 }
 
 }  // namespace
@@ -130,6 +132,10 @@ int doSReset(int argc, char** argv, PCommand_Info pCmdInfo)
     if (wish.type == kPower && wish.id >= kPowerPins) {
         return qrx::refuse(1, "Power Pin ID only support %d or %d\n", qrx::idBase(), qrx::idBase() + 1);
     }
-    return qrx::carryOut(qrx::vendorCommand(kGroupPd, kSubReset).word(14, wordOf(wish)), "Reset failed.\n",
+    const auto id = qrx::narrowId(wish.id);
+    if (!id) {
+        return qrx::refuse(0, kInvalidId, wish.idWord);
+    }
+    return qrx::carryOut(qrx::vendorCommand(kGroupPd, kSubReset).word(14, wordOf(*id, wish)), "Reset failed.\n",
                          "Reset success\n");
 }

@@ -244,9 +244,9 @@ bool read(const Activity& activity, int letter, const char* word, Wish& wish)
         wish.action = chooseBGAAction(word);
         return wish.action != kNoAction || complain("-a : invalid action '%s'\n", word);
     case 'i':
-        return take(qrx::readNumber(word), wish.vd) || complain("%s", activity.badVd);
+        return take(qrx::narrowId(qrx::readNumber(word)), wish.vd) || complain("%s", activity.badVd);
     default:
-        return take(qrx::readNumber(word), wish.pd) || complain("-d : PD id should be a number\n");
+        return take(qrx::narrowId(qrx::readNumber(word)), wish.pd) || complain("-d : PD id should be a number\n");
     }
 }
 

@@ -73,7 +73,6 @@ constexpr option kLong[] = {
 
 constexpr qrx::Keyword kInitializations[] = {{"quick", 0}, {"none", 3}};
 constexpr unsigned kSmallestStripe = 256;  // in sectors, code 0
-constexpr std::int32_t kIdMax = 0xFFFF;
 constexpr QRX_U16 kNamespacesMax = 32;
 
 struct Wish {
@@ -88,10 +87,11 @@ bool readMembers(const char* list, NVME_Create_VD& vd)
 {
     std::vector<QRX_U16> ids;
     const bool good = qrx::vd::eachPd(list, [&](std::int32_t id) {
-        if (id <= kIdMax && ids.size() <= kVdMembersMax && std::find(ids.begin(), ids.end(), id) == ids.end()) {
-            ids.push_back(static_cast<QRX_U16>(id));
+        const auto pd = qrx::narrowId(id);
+        if (pd && ids.size() <= kVdMembersMax && std::find(ids.begin(), ids.end(), *pd) == ids.end()) {
+            ids.push_back(*pd);
         }
-        return id <= kIdMax;
+        return pd.has_value();
     });
     if (!good) {
         return complain("-d : invalid PD ID '%s'\n", list);

@@ -28,20 +28,18 @@ constexpr option kLong[] = {
     qrx::kEndRow,
 };
 
-constexpr int kIdMax = 0xFFFF;  // a larger one would be cut, and name another virtual disk
-
 }  // namespace
 
 int doSDelete(int argc, char** argv, PCommand_Info pCmdInfo)
 {
     qrx::OptionScan scan(argc, argv, kLetters, kLong);
-    int id = 0;  // as the controller counts, in one-based mode too
+    QRX_U16 id = 0;  // as the controller counts, in one-based mode too
     const auto read = [&] {
-        return (qrx::take(qrx::readNumber(scan.word()), id) && id <= kIdMax) ||
+        return qrx::take(qrx::narrowId(qrx::readNumber(scan.word())), id) ||
                qrx::complain("-i : invalid vd id '%s'.\n", scan.word());
     };
     if (const auto result = qrx::readOneOption(scan, pCmdInfo, 'i', read, 1)) {
         return *result;
     }
-    return qrx::vd::carryOut(qrx::vd::deleteCommand(static_cast<QRX_U16>(id)));
+    return qrx::vd::carryOut(qrx::vd::deleteCommand(id));
 }

@@ -55,12 +55,22 @@ TEST_F(BgaCommands, StartByName)
     EXPECT_EQ(command({"rebuild", "-a", "Start", "-i", "1", "--pd_id", "2"}), kDone);
 }
 
-TEST_F(BgaCommands, IdsAreCutToSixteenBits)
+TEST_F(BgaCommands, AnIdOfMoreThanSixteenBitsIsNotCut)
 {
     machine.expect(start(0x06E3, 0x2FFFF));
-    EXPECT_EQ(command({"init", "-i", "99999999999"}), kDone);
+    EXPECT_EQ(command({"init", "-i", "65535"}), kDone);
     machine.expect(start(0x07E3, 0xFFFF0001));
-    EXPECT_EQ(command({"rebuild", "-i", "65537", "-d", "99999999999"}), kDone);
+    EXPECT_EQ(command({"rebuild", "-i", "1", "-d", "65535"}), kDone);
+    for (const std::string id : {"65536", "65540", "99999999999"}) {
+        for (const std::string word : {"init", "mp", "rebuild"}) {
+            EXPECT_EQ(command({word, "-i", id}), (Outcome{0, "-i : invalid vd id '" + id + "'.\n"}));
+            EXPECT_EQ(command({word, "-a", "stop", "-i", id}), (Outcome{0, "-i : invalid vd id '" + id + "'.\n"}));
+        }
+        EXPECT_EQ(command({"rebuild", "-i", "0", "-d", id}), (Outcome{0, "-d : invalid pd id '" + id + "'.\n"}));
+    }
+    g_oneBaseMode = 1;
+    machine.expect(start(0x07E3, 0xFFFFFFFF));
+    EXPECT_EQ(command({"rebuild", "-i", "65536", "-d", "65536"}), kDone);
 }
 
 TEST_F(BgaCommands, ARebuildAskedForByNameNeedsItsPd)

@@ -81,7 +81,12 @@ TEST_F(GenCommand, EmptyPiecesOfAListAreNone)
 
 TEST_F(GenCommand, IdsHaveSixteenBits)
 {
-    expectBlock({"gen", "-t", "attachns", "--list=65538"}, {1, 0, 2, 0});
+    for (const char* list : {"--list=65536", "--list=0,65538", "--list=99999999999"}) {  // cut, it would be another one
+        EXPECT_EQ(command({"gen", "-t", "attachns", list}),
+                  (Outcome{0, "--list : controller ids should be a number\n"}));
+    }
+    EXPECT_FALSE(made());
+    expectBlock({"gen", "-t", "attachns", "--list=65535"}, {1, 0, 0xFF, 0xFF});
 }
 
 TEST_F(GenCommand, AListFillsTheBlockAndNotMore)

@@ -96,8 +96,20 @@ TEST_F(ImportCommand, WithoutRaidATableIsImported)
     EXPECT_EQ(command({"import", "--ld_id=8", "--pdid=3", "--nstableid=12"}),
               (Outcome{0, "NS Table ID 12 import successfully.\n"}));
     machine.expect(importTable(0xFFFF, 0xFFFF));
-    EXPECT_EQ(command({"import", "-l", "8", "-p", "99999999999", "-n", "0xFFFFFFFFFFF"}),
+    EXPECT_EQ(command({"import", "-l", "8", "-p", "65535", "-n", "0xFFFF"}),
               (Outcome{0, "NS Table ID 65535 import successfully.\n"}));
+}
+
+TEST_F(ImportCommand, AnIdOfMoreThanSixteenBitsIsNotCut)
+{
+    for (const std::string id : {"65536", "65542", "99999999999"}) {
+        EXPECT_EQ(command({"import", "-l", id}), (Outcome{1, "-l : invalid VD ID '" + id + "'\n"}));
+        EXPECT_EQ(command({"import", "-p", id}), (Outcome{1, "-p : invalid PD ID '" + id + "'\n"}));
+        EXPECT_EQ(command({"import", "-n", id}), (Outcome{1, "-n : invalid NS Table ID '" + id + "'\n"}));
+    }
+    for (const std::string id : {"0x10000", "0xFFFFFFFFFFF"}) {
+        EXPECT_EQ(command({"import", "-n", id}), (Outcome{1, "-n : invalid NS Table ID '" + id + "'\n"}));
+    }
 }
 
 TEST_F(ImportCommand, OneBasedTableIds)

@@ -112,8 +112,8 @@ TEST_F(NsActions, Share)
     EXPECT_EQ(command({"ns", "-a", "share", "-i", "1", "--sharing", "No"}),
               (Outcome{0, "\nSet sharing NS successfully\n"}));
     expectStart();
-    machine.expect(share(1, 0xFF00));  // an id has 8 bits
-    EXPECT_EQ(command({"ns", "-a", "share", "-i", "1", "-s", "no", "--cid=511"}).result, 0);
+    machine.expect(share(1, 0xFF00));
+    EXPECT_EQ(command({"ns", "-a", "share", "-i", "1", "-s", "no", "--cid=255"}).result, 0);
     expectStart();
     machine.expect(share(1, 0).status(0x119));
     EXPECT_EQ(command({"ns", "-a", "share", "-i", "1", "-s", "no"}),
@@ -143,14 +143,33 @@ TEST_F(NsActions, CreateCountsInSectorsOfThePd)
     machine.expect(create(0x0705, 0xFFFFFFFFULL << 18));  // what is typed saturates
     EXPECT_EQ(command({"ns", "-a", "create", "-i", "4", "-c", "7", "-l", "99999999999"}).result, 0);
     expectStart();
-    machine.expect(pd(0xFFFF, 1));
-    machine.expect(create(0xFF00, 4ULL << 30));  // ids are cut to 8 bits
-    EXPECT_EQ(command({"ns", "-a", "create", "-i", "99999999999", "--cid", "511", "--size", "4"}).result, 0);
+    machine.expect(pd(254, 1));
+    machine.expect(create(0xFFFF, 4ULL << 30));
+    EXPECT_EQ(command({"ns", "-a", "create", "-i", "254", "--cid", "255", "--size", "4"}).result, 0);
     expectStart();
     machine.expect(pd(0, 512));
     machine.expect(create(0x0001, 0).status(0x741));
     EXPECT_EQ(command({"ns", "-a", "create", "-i", "0", "-c", "0", "-l", "0"}),
               (Outcome{0x741, "\nUnable to create NS\n", "Create namespace cap out of range (Status Code: 0x741)\n"}));
+}
+
+TEST_F(NsActions, AnIdThatItsFieldDoesNotHoldIsNotCut)
+{
+    for (const std::string id : {"65536", "65539", "99999999999"}) {
+        EXPECT_EQ(ns({"ns", "-a", "init", "-i", id, "-n", "1"}), (Outcome{0, "invalid id '" + id + "'\n"}));
+        EXPECT_EQ(ns({"ns", "-a", "share", "-i", id, "-s", "yes"}), (Outcome{0, "invalid id '" + id + "'\n"}));
+        EXPECT_EQ(ns({"ns", "-a", "attach", "-i", "1", "-d", "0," + id}),
+                  (Outcome{0, "invalid controller id '" + id + "'\n"}));
+    }
+    for (const std::string id : {"256", "511", "99999999999"}) {
+        EXPECT_EQ(ns({"ns", "-a", "create", "-i", "0", "-c", id, "-l", "1"}),
+                  (Outcome{0, "invalid controller id '" + id + "'\n"}));
+    }
+    // The id plus 1 goes into 8 bits.
+    for (const std::string id : {"255", "256", "65536", "2147483647"}) {
+        EXPECT_EQ(ns({"ns", "-a", "create", "-i", id, "-c", "0", "-l", "1"}),
+                  (Outcome{0, "\nInvalid PD ID: " + id + "\n"}));
+    }
 }
 
 TEST_F(NsActions, CreateOnADiskThatCannotBeReadSendsNothing)
@@ -199,8 +218,8 @@ TEST_F(NsActions, AttachAndDetachById)
     machine.expect(attachment(1, 0, {0}));
     EXPECT_EQ(command({"ns", "-a", "attach", "-i", "1", "-d", "0"}), (Outcome{0, "Attach namespace success\n"}));
     expectStart();
-    machine.expect(attachment(0x7FFFFFFF, 1, {0, 1, 0, 0xABCD}));
-    EXPECT_EQ(command({"ns", "-a", "DETACH", "-i", "99999999999", "--ctrllist=0,1,0,109517"}),
+    machine.expect(attachment(0x7FFFFFFF, 1, {0, 1, 0, 0xFFFF}));
+    EXPECT_EQ(command({"ns", "-a", "DETACH", "-i", "99999999999", "--ctrllist=0,1,0,65535"}),
               (Outcome{0, "Detach namespace success\n"}));
     expectStart();
     machine.expect(attachment(1, 0, {0}).status(0x118));

@@ -81,6 +81,18 @@ TEST_F(ResetCommand, ThereAreTwoPowerPins)
     }
 }
 
+TEST_F(ResetCommand, AnIdOfMoreThanSixteenBitsIsNotCut)
+{
+    machine.expect(reset(0x0000FFFF));
+    EXPECT_EQ(command({"reset", "-i", "65535", "-t", "device"}), kDone);
+    for (const std::string id : {"65536", "65539", "99999999999"}) {
+        const Outcome refusal{0, "-i : invalid device id '" + id + "'\n"};
+        EXPECT_EQ(command({"reset", "-i", id}), refusal);
+        EXPECT_EQ(command({"reset", "-i", id, "-t", "device"}), refusal);
+        EXPECT_EQ(command({"reset", "-i", id, "-t", "perstn", "-a", "cycle"}), refusal);
+    }
+}
+
 TEST_F(ResetCommand, OneBasedIds)
 {
     g_oneBaseMode = 1;
@@ -184,6 +196,9 @@ TEST_F(LedCommand, BadValues)
 {
     EXPECT_EQ(command({"led", "-a", "blink"}), (Outcome{0, "-a : invalid action 'blink'.\n"}));
     EXPECT_EQ(command({"led", "-i", "1x"}), (Outcome{0, "-i : invalid id '1x'\n"}));
+    for (const std::string id : {"65536", "99999999999"}) {
+        EXPECT_EQ(command({"led", "-o", "ep", "-i", id, "-a", "on"}), (Outcome{0, "-i : invalid id '" + id + "'\n"}));
+    }
     EXPECT_EQ(command({"led", "-o", "hba"}), (Outcome{0, "-m : invalid object 'hba'.\n"}));
     EXPECT_EQ(command({"led", "-x"}), (Outcome{0, "", "", "led: illegal option -- x\n"}));
     for (auto words : {Line{"led", "-o", "ep", "-o", "ep"}, Line{"led", "-i", "0", "-i", "0"},

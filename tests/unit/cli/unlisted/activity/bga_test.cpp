@@ -247,6 +247,12 @@ TEST_F(EarlierBga, BadOptions)
     EXPECT_EQ(unlisted({"mp", "-i", "-1"}), (Outcome{1, "-i : invalid vd id\n"}));
     EXPECT_EQ(unlisted({"rebuild", "-i", "1x"}), (Outcome{1, "-i : VD id should be a number\n"}));
     EXPECT_EQ(unlisted({"rebuild", "-d", "-1"}), (Outcome{1, "-d : PD id should be a number\n"}));
+    for (const char* id : {"65536", "4294967296"}) {  // cut, it would name another one
+        EXPECT_EQ(unlisted({"init", "-i", id}), (Outcome{1, "-i : VD id should be a number\n"}));
+        EXPECT_EQ(unlisted({"mp", "-i", id}), (Outcome{1, "-i : invalid vd id\n"}));
+        EXPECT_EQ(unlisted({"rebuild", "-i", id}), (Outcome{1, "-i : VD id should be a number\n"}));
+        EXPECT_EQ(unlisted({"rebuild", "-i", "0", "-d", id}), (Outcome{1, "-d : PD id should be a number\n"}));
+    }
     EXPECT_EQ(unlisted({"init", "-t", "quick"}), (Outcome{1, "", "", "init: illegal option -- t\n"}));
     EXPECT_EQ(unlisted({"mp", "--id", "1"}), (Outcome{1, "", "", "mp: unrecognized option `--id'\n"}));
     EXPECT_EQ(unlisted({"mp", "-d", "1"}), (Outcome{1, "", "", "mp: illegal option -- d\n"}));
@@ -259,6 +265,13 @@ TEST_F(EarlierBga, ARebuildNeedsItsPdEvenByDefault)
     }
     runAsJbof();
     EXPECT_EQ(unlisted({"rebuild", "-i", "0"}), (Outcome{1, "rebuild: option -d is required\n"}));
+}
+
+TEST_F(EarlierBga, TheLastIds)
+{
+    expectState(65535);
+    pair.expect({227, 7}, word(65535, 65535), {});
+    EXPECT_EQ(unlisted({"rebuild", "-i", "65535", "-d", "65535"}), (Outcome{0, "Start rebuild successfully\n"}));
 }
 
 TEST_F(EarlierBga, OfARepeatedPdTheLastOneStands)

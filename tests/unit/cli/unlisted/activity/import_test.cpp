@@ -82,6 +82,8 @@ TEST_F(EarlierImport, BadOptions)
     EXPECT_EQ(unlisted({"import", "-i", "x"}), (Outcome{1, "-i : invalid NVMe Controller id 'x'\n"}));
     EXPECT_EQ(unlisted({"import", "-i", "2"}), (Outcome{1, "NVMe Controller 2 does not exist.\n"}));
     EXPECT_EQ(unlisted({"import", "-l", "1x"}), (Outcome{1, "-l : invalid VD ID '1x'\n"}));
+    EXPECT_EQ(unlisted({"import", "-l", "65536"}), (Outcome{1, "-l : invalid VD ID '65536'\n"}));
+    EXPECT_EQ(unlisted({"import", "-l", "99999999999"}), (Outcome{1, "-l : invalid VD ID '99999999999'\n"}));
     EXPECT_EQ(unlisted({"import", "-p", "1"}), (Outcome{1, "", "", "import: illegal option -- p\n"}));
     EXPECT_EQ(unlisted({"import", "-i", "1", "-i", "1"}), (Outcome{1, "Duplicated option specified.\n"}));
     EXPECT_EQ(unlisted({"import", "-i", "1"}), (Outcome{1, "import: option -l is required\n"}));
@@ -89,6 +91,8 @@ TEST_F(EarlierImport, BadOptions)
 
 TEST_F(EarlierImport, OfARepeatedVdTheLastOneStands)
 {
+    expectVd(pair, 65535, 0);
+    EXPECT_EQ(unlisted({"import", "-l", "4", "-l", "65535"}), (Outcome{0, "\nVD 65535 is not importable.\n"}));
     expectVd(pair, 5, 0);
     EXPECT_EQ(unlisted({"import", "-l", "4", "-l", "5"}), (Outcome{0, "\nVD 5 is not importable.\n"}));
 }

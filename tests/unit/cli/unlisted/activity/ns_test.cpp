@@ -75,6 +75,12 @@ TEST_F(EarlierNs, Detach)
               (Outcome{0, "Detach namespace success\n"}));
 }
 
+TEST_F(EarlierNs, AControllerIdOfMoreThanSixteenBitsIsNotCut)
+{
+    EXPECT_EQ(unlisted({"ns", "-a", "attach", "-i", "5", "-d", "0,65536"}),
+              (Outcome{0, "invalid controller id '65536'\n"}));
+}
+
 TEST_F(EarlierNs, IdsAreNotShiftedInOneBasedMode)
 {
     g_oneBaseMode = 1;

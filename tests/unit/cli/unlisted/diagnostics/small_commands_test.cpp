@@ -172,6 +172,15 @@ TEST_F(SmallCommands, OfflineTakesNumbersAlone)
     }
 }
 
+TEST_F(SmallCommands, OfflineTakesNoIdThatItsFieldDoesNotHold)
+{
+    machine.expect(plain(0xFFFF0BE1, 0x1001));
+    EXPECT_EQ(unlisted({"offline", "-i", "65535"}), (Outcome{0, "offline command success.\n"}));
+    for (const char* word : {"65536", "65539", "4294967296", "99999999999"}) {
+        EXPECT_EQ(unlisted({"offline", "-i", word}), (Outcome{0, "invalid id '" + std::string(word) + "'\n"}));
+    }
+}
+
 TEST_F(SmallCommands, OfflineUnderTheOneBasedRule)
 {
     g_oneBaseMode = 1;
