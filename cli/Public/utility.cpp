@@ -1,6 +1,7 @@
 // Arithmetic, file helpers and the plain hex dump.
 #include "cli/Public/utility.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
@@ -43,20 +44,19 @@ QRX_U32 calCRC32(QRX_U8* byte, QRX_U16 length)
 int open_file(const char* filename, const char* mode)
 {
     close_file();
-    if (std::strlen(filename) >= kNameSize) {
+    const bool quoted = filename[0] == '"';
+    const char* const first = quoted ? filename + 1 : filename;
+    const std::size_t length = quoted ? std::strcspn(first, "\"") : std::strlen(first);  // a closing quote may miss
+    if (length >= kNameSize) {
         errno = ENAMETOOLONG;
         return 1;
     }
     std::array<char, kNameSize> name{};
-    if (qrx::noQuoteCopy(name, filename) != 0) {
+    if (!quoted && qrx::noQuoteCopy(name, first) != 0) {
         errno = EINVAL;
         return 1;
     }
-    if (name[0] == '"') {  // the closing quote is missing, or text follows it
-        const std::size_t length = std::strcspn(name.data() + 1, "\"");
-        std::memmove(name.data(), name.data() + 1, length);
-        name[length] = '\0';
-    }
+    std::copy_n(first, length, name.begin());
     file = std::fopen(name.data(), mode);
     return file == nullptr ? 1 : 0;
 }

@@ -193,11 +193,29 @@ TEST_F(FileHelpers, WriteReadAndMeasure)
 TEST_F(FileHelpers, QuotesAreDroppedUpToTheClosingOneOrTheEnd)
 {
     const std::string path = (folder / "my file").string();
-    for (const std::string& name : {path, "\"" + path + "\"", "\"" + path, "\"" + path + "\"tail"}) {
+    for (const std::string& name : {path, "\"" + path + "\"", "\"" + path, "\"" + path + "\"tail",
+                                    "\"" + path + "\"tail\"", "\"" + path + "\"\""}) {
         ASSERT_EQ(open_file(name.c_str(), "wb"), 0) << name;
         write_file(name.data(), static_cast<int>(name.size()));
         close_file();
         EXPECT_EQ(content("my file"), name);
+    }
+}
+
+TEST_F(FileHelpers, ANameHas1023CharactersWithoutItsQuotes)
+{
+    std::string path = folder.string();
+    while (path.size() < 1023) {  // the longest way to the same folder, and a name of one letter at its end
+        path += '/';
+    }
+    path.back() = 'x';
+    for (const std::string& name : {path, "\"" + path + "\"", "\"" + path + "\"" + path}) {
+        ASSERT_EQ(open_file(name.c_str(), "wb"), 0);
+        close_file();
+    }
+    for (const std::string& name : {"/" + path, "\"/" + path + "\"", "\"/" + path}) {
+        EXPECT_EQ(open_file(name.c_str(), "wb"), 1);
+        EXPECT_EQ(errno, ENAMETOOLONG);
     }
 }
 
