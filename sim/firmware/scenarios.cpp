@@ -391,7 +391,11 @@ constexpr std::string_view kScarred = R"json({
           }
         ]
       },
-      "spi_log": {"lines": ["[      1.000] boot", "", "\u0000\u0000[      2.000] \u001b[2Jcleared"]}
+      "spi_log": {"lines": ["[      1.000] boot", "", "\u0000\u0000[      2.000] \u001b[2Jcleared"]},
+      "diagnostics": {
+        "vdm_on": true,
+        "vdm_log": {"lines": ["[      1.000] nvme-mi-send, 1040 bytes", "", "\u0000[      2.000] \u001b[2Jcleared"]}
+      }
     }
   ]
 }
@@ -508,7 +512,7 @@ constexpr auto kScenarios = std::to_array<Scenario>({
      kImportable},
     {"boot", "the first of two virtual disks holds /boot, at /dev/nvme0n1p1", kBoot},
     {"seasoned", "a controller of long service: its event ring has wrapped", kSeasoned},
-    {"scarred", "some lines of the event ring and of the debug console are damaged", kScarred},
+    {"scarred", "some lines of the event ring, of the debug console and of the VDM log are damaged", kScarred},
     {"links", "drives behind links of each speed and width, and some whose configuration space cannot be read", kLinks},
     {"eye-closed", "no eye at all on the link of drive 0", kEyeClosed},
     {"eye-at-zero", "the eye of drive 0's link lies around phase 0", kEyeAtZero},

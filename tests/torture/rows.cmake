@@ -1,6 +1,7 @@
 # The commands that are tortured, and whose printers are fuzzed. A row is a command, on the machine `pair` unless another
 # stands in front. Its directory holds `image`, a firmware image, and `file`, a page of zeros; `output` is not there yet.
-# Every command of the tables has a row: a test fails where one has none.
+# Every command of the tables has a row: a test fails where one has none. Fuzzing names rows by their place, so that a
+# new one goes to the end of its list.
 set(torture_rows
     version help "?" "--debug" "adapter --list"
     "info -o hba --all" "info -o pd" "info -o vd" "info -o ns" "info -o ns -t vd -v 0" "info -o hba -output output"
@@ -23,7 +24,7 @@ set(torture_rows
 )
 # A run of it lasts two seconds, and tests/cli/flash_failure_test.py sees it fail in all the other ways.
 set(torture_rows_of_updates "flash -o hba -f image -s 1 -c 1")
-# The handlers that no command table names, on the program qrx_unlisted.
+# The handlers that no command table names, on the program qrx_unlisted. Each of them has a row too.
 set(torture_rows_unlisted
     "lab: create -r 1 -d 0,1" "lab: create -r 0 -d 0,1 -n name -x 0,0" "lab: screate -r 0 -d 4" "assign -d 0"
     "raid: delete --waiveconfirmation -i 0" "delete --waiveconfirmation -i 0" "delete -i 0" "sdelete -i 0"
@@ -51,4 +52,6 @@ set(torture_rows_unlisted
     "err_status -a get" "crash -a enable" "ioq -a show" "delay -s 0" "offline -i 0" "chkalive" "sf -t 1" "log_vdm -a on"
     "test -t 1" "id -i 0" "seasoned: event -c 3" "dump -a get" "dump -a set -d on"
     "scarred: dump -a show --outputfile=output"
+    "scarred: log_vdm -a show --outputfile output" "id -i 0 -d detail" "err_status -a clear"
+    "lab: create -r 0 -d 0,1 -x \"\"" "degraded: rebuild -i 1 -d 6" "sbsms"
 )
