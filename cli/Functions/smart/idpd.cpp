@@ -104,8 +104,9 @@ int doPDID(int argc, char** argv, PCommand_Info pCmdInfo)
     if (!exists(id)) {
         return qrx::refuse(1, "\nUnable to get identify of PD\n");
     }
-    const auto command =
-        qrx::tunnelFromDrive(static_cast<QRX_U32>(id), qrx::kIdentify).word(10, qrx::kIdentifyController);
+    const auto command = qrx::tunnelFromDrive(static_cast<QRX_U32>(id), qrx::kIdentify)
+                             .word(10, qrx::kIdentifyController)
+                             .controlId(static_cast<QRX_U16>(id));
     command.debug();
     std::array<QRX_U8, qrx::wire::kPageSize> page{};
     if (const int status = command.receive(page)) {

@@ -127,6 +127,14 @@ TEST_F(IdCommand, TheDetailPage)
     EXPECT_EQ(unlisted({"id", "-i", "5", "-d", "Detail"}), (Outcome{0, kDetail}));
 }
 
+TEST_F(IdCommand, TheDebugLinesShowTheFilledWords)
+{
+    dbg_enable = 1;
+    disk(5);
+    EXPECT_EQ(unlisted({"id", "-i", "5"}),
+              (Outcome{0, "CDW[0] : 0x000000c2\nCDW[10]: 0x00000001\nCDW[14]: 0x00000006\n" + kSimple}));
+}
+
 TEST_F(IdCommand, WhatIsNoNumberIsPassedOver)
 {
     disk(0);

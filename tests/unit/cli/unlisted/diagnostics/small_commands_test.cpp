@@ -229,6 +229,9 @@ TEST_F(SmallCommands, TheDebugLinesShowTheFilledWords)
     EXPECT_EQ(unlisted({"offline", "-i", "1"}).stream.substr(0, 40), "CDW[0] : 0x000000e2\nCDW[12]: 0x00010be1\n");
     machine.expect(plain(0x1EE0, 0x1001));
     EXPECT_EQ(unlisted({"chkalive"}).stream.substr(0, 40), "CDW[0] : 0x000000e2\nCDW[12]: 0x00001ee0\n");
+    machine.expect(page(0x24E0, 0x1001));
+    EXPECT_EQ(unlisted({"ioq", "-a", "show"}),
+              (Outcome{0, "CDW[0] : 0x000000e2\nCDW[12]: 0x000024e0\nMax Controllers: 0\n"}));
 }
 
 // An answer of `ioq` for hosts with these counts, of which `told` are said to be there.
@@ -257,6 +260,17 @@ TEST_F(SmallCommands, IoqShowsTheQueuesOfEachHost)
 TEST_F(SmallCommands, IoqRefusesAnotherAction)
 {
     EXPECT_EQ(unlisted({"ioq", "-a", "list"}), (Outcome{1, "-a : invalid action 'list'.\n"}));
+}
+
+TEST_F(SmallCommands, IoqAsksTheCurrentController)
+{
+    gCurrentAdapter = 0;
+    machine.expect(page(0x24E0, 0x1001).on(0).data(queues({9}, 1)));
+    EXPECT_EQ(unlisted({"ioq", "-a", "show"}), (Outcome{0, "HOST ID 0, IO queue number: 9\nMax Controllers: 1\n"}));
+    machine.expect(page(0x24E0, 0x1001).on(0).status(0x705));
+    EXPECT_EQ(unlisted({"ioq", "--output", "x"}),
+              (Outcome{0x705, "\nUnable to query IO queue number of controllers 0\n",
+                       "Not supported (Status Code: 0x705)\n"}));
 }
 
 TEST_F(SmallCommands, IoqFailsByTheLowByteOfTheStatus)
