@@ -41,23 +41,28 @@ QRX_U32 calCRC32(QRX_U8* byte, QRX_U16 length)
     return crc;
 }
 
-int open_file(const char* filename, const char* mode)
+std::optional<std::string> qrx::nameOfFile(const char* filename)
 {
-    close_file();
     const bool quoted = filename[0] == '"';
     const char* const first = quoted ? filename + 1 : filename;
     const std::size_t length = quoted ? std::strcspn(first, "\"") : std::strlen(first);  // a closing quote may miss
     if (length >= kNameSize) {
         errno = ENAMETOOLONG;
-        return 1;
+        return std::nullopt;
     }
     std::array<char, kNameSize> name{};
     if (!quoted && qrx::noQuoteCopy(name, first) != 0) {
         errno = EINVAL;
-        return 1;
+        return std::nullopt;
     }
-    std::copy_n(first, length, name.begin());
-    file = std::fopen(name.data(), mode);
+    return std::string(first, length);
+}
+
+int open_file(const char* filename, const char* mode)
+{
+    close_file();
+    const auto name = qrx::nameOfFile(filename);
+    file = name ? std::fopen(name->c_str(), mode) : nullptr;
     return file == nullptr ? 1 : 0;
 }
 

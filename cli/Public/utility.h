@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
+#include <string>
 
 #include "api/src/interface/wire/types.h"
 
@@ -14,8 +16,16 @@ QRX_U32 calCRC32(QRX_U8* byte, QRX_U16 length);
 // The one file a handler has open, or null.
 extern FILE* file;
 
-// Opens `filename` as `file`; where it begins with a double quote, the name is what stands up to the next one or the
-// end. A file left open by an earlier command is closed first. Returns 0, or 1 with errno set.
+namespace qrx {
+
+// The name that an option gives: where it begins with a double quote, what stands up to the next one or the end.
+// Nothing with errno set: too long, or in single quotes.
+std::optional<std::string> nameOfFile(const char* filename);
+
+}  // namespace qrx
+
+// Opens nameOfFile(filename) as `file`. A file left open by an earlier command is closed first. Returns 0, or 1 with
+// errno set.
 int open_file(const char* filename, const char* mode);
 // Bytes in `file`; its position stays. 0 when there is no open file.
 long get_file_length();

@@ -2,7 +2,9 @@
 #include "cli/Functions/simple/simple_led.h"
 
 #include <array>
+#include <bit>
 
+#include "api/src/interface/wire/board.h"
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
@@ -100,6 +102,8 @@ int doSLed(int argc, char** argv, PCommand_Info pCmdInfo)
     if (const auto result = qrx::requireOptions(scan, pCmdInfo, "oia")) {
         return *result;
     }
-    const auto command = qrx::vendorCommand(wish.group, kSubLed).word(14, wish.id | QRX_U32{wish.state} << 16U);
+    const NVME_AP_LED record{.id = wish.id, .status = wish.state, .reserved = {}};
+    const auto words = std::bit_cast<std::array<QRX_U32, 2>>(record);
+    const auto command = qrx::vendorCommand(wish.group, kSubLed).word(14, words[0]);
     return qrx::carryOut(command, "LED control failed.\n", "LED control success\n");
 }

@@ -1,6 +1,9 @@
 // `reset`.
 #include "cli/Functions/simple/simple_reset.h"
 
+#include <bit>
+
+#include "api/src/interface/wire/board.h"
 #include "cli/Public/frame/admin_command.h"
 #include "cli/Public/frame/handler.h"
 #include "cli/Public/frame/number.h"
@@ -74,9 +77,9 @@ constexpr option kLong[] = {
     qrx::kEndRow,
 };
 
-enum Type { kDevice, kPower, kPerstn };
+enum Type : QRX_U8 { kDevice, kPower, kPerstn };
 constexpr qrx::Keyword kTypes[] = {{"device", kDevice}, {"power", kPower}, {"perstn", kPerstn}};
-enum Action { kCycle, kOn, kOff };
+enum Action : QRX_U8 { kCycle, kOn, kOff };
 constexpr qrx::Keyword kActions[] = {{"cycle", kCycle}, {"on", kOn}, {"off", kOff}};
 
 constexpr QRX_U8 kSubReset = 0x08;
@@ -86,8 +89,8 @@ constexpr char kInvalidId[] = "-i : invalid device id '%s'\n";
 struct Wish {
     int id = 0;
     const char* idWord = "";
-    int type = kDevice;
-    int action = kCycle;
+    QRX_U8 type = kDevice;
+    QRX_U8 action = kCycle;
 };
 
 // Stores the option's argument; false after a complaint.
@@ -102,12 +105,6 @@ bool read(int letter, const char* word, Wish& wish)
     default:
         return take(qrx::keyword(word, kActions), wish.action) || complain("-a : invalid action '%s'.\n", word);
     }
-}
-
-// CDW14: the drive or pin in bits 15 to 0, the type in bits 23 to 16, the action in bits 31 to 24.
-QRX_U32 wordOf(QRX_U16 id, const Wish& wish)
-{
-    return id | static_cast<QRX_U32>(wish.type) << 16U | static_cast<QRX_U32>(wish.action) << 24U;
 }
 
 }  // namespace
@@ -136,6 +133,7 @@ int doSReset(int argc, char** argv, PCommand_Info pCmdInfo)
     if (!id) {
         return qrx::refuse(0, kInvalidId, wish.idWord);
     }
-    return qrx::carryOut(qrx::vendorCommand(kGroupPd, kSubReset).word(14, wordOf(*id, wish)), "Reset failed.\n",
-                         "Reset success\n");
+    const NVME_AP_Reset word{*id, wish.type, wish.action};
+    return qrx::carryOut(qrx::vendorCommand(kGroupPd, kSubReset).word(14, std::bit_cast<QRX_U32>(word)),
+                         "Reset failed.\n", "Reset success\n");
 }

@@ -1,6 +1,8 @@
 // The files that options name.
 #include "cli/Public/frame/command_file.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -10,9 +12,15 @@
 namespace qrx {
 
 CommandFile* CommandFile::user_ = nullptr;
+CommandFile* CommandFile::newest_ = nullptr;
 
 CommandFile::~CommandFile()
 {
+    CommandFile** link = &newest_;
+    while (*link != this) {
+        link = &(*link)->next_;
+    }
+    *link = next_;
     if (user_ == this) {
         close_file();
         user_ = nullptr;
@@ -26,8 +34,35 @@ bool CommandFile::open(const char* name)
     use();
     name_ = name;
     trouble_ = Trouble::kNone;
+    if (isInUse(name)) {
+        close_file();
+        return fail(Trouble::kInUse);
+    }
     errno = 0;
     return open_file(name, mode_) == 0 || fail(Trouble::kOpen);
+}
+
+FILE* CommandFile::held() const
+{
+    return user_ == this ? file : aside_;
+}
+
+// Whether another one has the regular file of that name open.
+bool CommandFile::isInUse(const char* name) const
+{
+    const auto path = nameOfFile(name);
+    struct stat wanted {};
+    if (!path || stat(path->c_str(), &wanted) != 0 || !S_ISREG(wanted.st_mode)) {
+        return false;
+    }
+    for (const CommandFile* other = newest_; other != nullptr; other = other->next_) {
+        struct stat open {};
+        if (other != this && other->held() != nullptr && fstat(fileno(other->held()), &open) == 0 &&
+            open.st_dev == wanted.st_dev && open.st_ino == wanted.st_ino) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool CommandFile::use()

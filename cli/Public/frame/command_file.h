@@ -1,11 +1,13 @@
 // What InputFile and OutputFile have in common: how a file that an option names is opened, whose turn it is, and what
-// is remembered of a failure.
+// is remembered of a failure. One that another of them has open is not opened again: an input file that is the output
+// file too would be emptied before it is read.
 //
 // The file in use is the process's one `file`. A command may have several of these: one that was opened before is kept
 // aside, as it stands, until it is used again. So a pipe loses nothing.
 #pragma once
 
 #include <cstdio>
+#include <utility>
 
 #include "api/src/interface/wire/types.h"
 
@@ -26,10 +28,10 @@ public:
     [[nodiscard]] bool hasFailed() const { return isNamed() && trouble_ != Trouble::kNone; }
 
 protected:
-    enum class Trouble : QRX_U8 { kNone, kOpen, kRead, kLength, kWrite };
+    enum class Trouble : QRX_U8 { kNone, kOpen, kInUse, kRead, kLength, kWrite };
 
     // `mode` is that of fopen, and outlives this.
-    explicit CommandFile(const char* mode) : mode_(mode) {}
+    explicit CommandFile(const char* mode) : mode_(mode), next_(std::exchange(newest_, this)) {}
     ~CommandFile();
 
     // Makes it `file`. False when there is none.
@@ -44,9 +46,14 @@ protected:
     [[nodiscard]] const char* reason() const;
 
 private:
-    static CommandFile* user_;  // whose file `file` is
+    static CommandFile* user_;    // whose file `file` is
+    static CommandFile* newest_;  // all there are, chained
+
+    [[nodiscard]] FILE* held() const;
+    [[nodiscard]] bool isInUse(const char* name) const;
 
     const char* mode_;
+    CommandFile* next_;
     const char* name_ = nullptr;
     FILE* aside_ = nullptr;  // while another one is in use
     Trouble trouble_ = Trouble::kNone;

@@ -30,7 +30,7 @@ std::optional<std::size_t> InputFile::read(std::span<QRX_U8> space)
 
 std::optional<std::size_t> InputFile::readUpTo(std::span<QRX_U8> space)
 {
-    if (!use() || trouble() == Trouble::kOpen) {
+    if (!use() || trouble() == Trouble::kOpen || trouble() == Trouble::kInUse) {
         return std::nullopt;
     }
     errno = 0;
@@ -69,6 +69,9 @@ std::optional<InputFile::Head> InputFile::readHead(std::span<QRX_U8> space)
 
 int InputFile::refuse(PCommand_Info row) const
 {
+    if (trouble() == Trouble::kInUse) {
+        return qrx::refuse(1, "%s: '%s' is the output file\n", row->cmd, name());
+    }
     if (trouble() == Trouble::kLength) {
         return qrx::refuse(1, "%s: '%s' has more than %zu bytes\n", row->cmd, name(), most_);
     }

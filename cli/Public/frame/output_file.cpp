@@ -47,6 +47,9 @@ int OutputFile::save(PCommand_Info row, std::span<const QRX_U8> bytes)
 
 int OutputFile::refuse(PCommand_Info row) const
 {
+    if (trouble() == Trouble::kInUse) {
+        return qrx::refuse(1, "%s: '%s' is the input file\n", row->cmd, name());
+    }
     return trouble() == Trouble::kOpen
                ? qrx::refuse(1, "%s: cannot open '%s': %s\n", row->cmd, name(), reason())
                : qrx::refuse(1, "%s: cannot write '%s': %s; the file is incomplete\n", row->cmd, name(), reason());

@@ -1,5 +1,6 @@
 // `spi`.
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
@@ -180,6 +181,23 @@ TEST_F(SpiCommand, AFileForTheOtherDirectionDoesNoHarm)
     machine.expect(readBlock().data(block));
     EXPECT_EQ(command({"spi", "-t", "read", "--inputfile", path("none")}),
               (Outcome{0, rawOf(block) + "Read SPI successful.\n"}));
+}
+
+TEST_F(SpiCommand, TheInputFileIsNeverTheOutputFileToo)
+{
+    const Bytes block = pattern(4096, 5);
+    const std::string name = scratch.file("in", textOf(block));
+    ASSERT_EQ(symlink(name.c_str(), path("other").c_str()), 0);
+    for (const std::string& output : {name, path("other"), "\"" + name + "\""}) {
+        machine.expect(writeBlock(block));
+        EXPECT_EQ(command({"spi", "-t", "write", "--inputfile", name, "--outputfile", output}), written(block));
+        EXPECT_EQ(command({"spi", "-t", "read", "--inputfile", name, "--outputfile", output}),
+                  (Outcome{1, "spi: '" + output + "' is the input file\n"}));
+        EXPECT_EQ(contentOf(name), textOf(block));
+    }
+    EXPECT_EQ(command({"spi", "-t", "write", "--outputfile", name, "--inputfile", path("other")}),
+              (Outcome{1, "File is not exist.\n"}));
+    EXPECT_EQ(contentOf(name), "") << "opened in the option pass";
 }
 
 TEST_F(SpiCommand, APipeLosesNothingToAFileForTheOtherDirection)
