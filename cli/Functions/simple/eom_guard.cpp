@@ -91,7 +91,10 @@ void Signals::release()
 
 bool putBack(const Settings& settings)
 {
-    bool good = replace(kCircuit, 0, settings.circuit);
+    bool good = true;
+    if (settings.circuit) {
+        good &= replace(kCircuit, 0, settings.circuit);
+    }
     if (settings.dfe) {
         good &= replace(kDfe, sv_dfe_fx_force, settings.dfe);
     }

@@ -32,7 +32,7 @@ private:
 
 // Registers of the PHY as they were before the scan. Nothing: they could not be read.
 struct Settings {
-    std::optional<QRX_U32> circuit;  // eomCircuitCtrl
+    std::optional<QRX_U32> circuit;  // eomCircuitCtrl; nothing: nor was it written
     std::optional<QRX_U32> dfe;      // dfeUpdateCtrl; nothing: the scan did not change it
     std::optional<QRX_U32> power;    // powerAndPllCtrl
 };

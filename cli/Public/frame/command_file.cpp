@@ -47,7 +47,7 @@ FILE* CommandFile::held() const
     return user_ == this ? file : aside_;
 }
 
-// Whether another one has the regular file of that name open.
+// Whether another one has the regular file of that name open, and one of both writes.
 bool CommandFile::isInUse(const char* name) const
 {
     const auto path = nameOfFile(name);
@@ -57,7 +57,8 @@ bool CommandFile::isInUse(const char* name) const
     }
     for (const CommandFile* other = newest_; other != nullptr; other = other->next_) {
         struct stat open {};
-        if (other != this && other->held() != nullptr && fstat(fileno(other->held()), &open) == 0 &&
+        const bool writes = *mode_ == 'w' || *other->mode_ == 'w';
+        if (other != this && writes && other->held() != nullptr && fstat(fileno(other->held()), &open) == 0 &&
             open.st_dev == wanted.st_dev && open.st_ino == wanted.st_ino) {
             return true;
         }

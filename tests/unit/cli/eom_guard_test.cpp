@@ -118,8 +118,8 @@ TEST_F(EomCommand, TheFirstReadOfASettingIsTriedThreeTimes)
               "InitEOM...\nRead register failed.\nRead register failed.\nRead register failed.\n"
               "\nThe eye opening monitor cannot be read.\nThe settings of the PHY are restored.\n");
     EXPECT_EQ(phy.registers[kCircuit] & ~0xC00U, 0xABCD5370U);
-    for (const Access& access : phy.accesses) {  // the one write at the end switches the monitor off as it was
-        EXPECT_TRUE(!access.write || access.offset != kCircuit || (access.value & ~0xC00U) == 0xABCD5370U);
+    for (const Access& access : phy.accesses) {
+        EXPECT_FALSE(access.write && access.offset == kCircuit);
     }
 }
 
@@ -176,13 +176,16 @@ TEST_F(EomCommand, WhatCannotBePutBackIsTold)
 
 TEST_F(EomCommand, AControllerThatIsGoneEndsTheScan)
 {
-    phy.status = [](const Access&, std::size_t) { return 0xFFFFFFFFU; };
-    const Outcome outcome = command({"eom", "-i", "0"});
-    EXPECT_EQ(outcome.result, 1);
-    EXPECT_NE(outcome.stream.find("The eye opening monitor cannot be read.\n"), std::string::npos);
-    EXPECT_NE(outcome.stream.find("The PHY's eomCircuitCtrl is not restored: its bits 0x8000 should be 0x0.\n"),
-              std::string::npos);
-    EXPECT_LT(phy.accesses.size(), 40U);
+    for (const std::size_t answers : {0U, 6U}) {  // none; until the monitor's own register has been read
+        phy.accesses.clear();
+        phy.status = [answers](const Access&, std::size_t count) { return count > answers ? 0xFFFFFFFFU : 0U; };
+        const Outcome outcome = command({"eom", "-i", "0"});
+        EXPECT_EQ(outcome.result, 1);
+        EXPECT_NE(outcome.stream.find("The eye opening monitor cannot be read.\n"), std::string::npos);
+        const char* const lost = "The PHY's eomCircuitCtrl is not restored: its bits 0x8000 should be 0x0.\n";
+        EXPECT_EQ(outcome.stream.find(lost) != std::string::npos, answers != 0);
+        EXPECT_LT(phy.accesses.size(), 40U);
+    }
 }
 
 TEST_F(EomCommand, AnInterruptedScanPutsEverythingBack)
