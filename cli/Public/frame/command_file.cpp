@@ -34,12 +34,13 @@ bool CommandFile::open(const char* name)
     use();
     name_ = name;
     trouble_ = Trouble::kNone;
-    if (isInUse(name)) {
-        close_file();
+    close_file();
+    const auto path = nameOfFile(name);
+    if (path && isInUse(*path)) {
         return fail(Trouble::kInUse);
     }
-    errno = 0;
-    return open_file(name, mode_) == 0 || fail(Trouble::kOpen);
+    file = path ? std::fopen(path->c_str(), mode_) : nullptr;
+    return file != nullptr || fail(Trouble::kOpen);
 }
 
 FILE* CommandFile::held() const
@@ -48,11 +49,10 @@ FILE* CommandFile::held() const
 }
 
 // Whether another one has the regular file of that name open, and one of both writes.
-bool CommandFile::isInUse(const char* name) const
+bool CommandFile::isInUse(const std::string& path) const
 {
-    const auto path = nameOfFile(name);
     struct stat wanted {};
-    if (!path || stat(path->c_str(), &wanted) != 0 || !S_ISREG(wanted.st_mode)) {
+    if (stat(path.c_str(), &wanted) != 0 || !S_ISREG(wanted.st_mode)) {
         return false;
     }
     for (const CommandFile* other = newest_; other != nullptr; other = other->next_) {

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
 #include <utility>
 
 #include "api/src/interface/wire/types.h"
@@ -50,7 +51,7 @@ private:
     static CommandFile* newest_;  // all there are, chained
 
     [[nodiscard]] FILE* held() const;
-    [[nodiscard]] bool isInUse(const char* name) const;
+    [[nodiscard]] bool isInUse(const std::string& path) const;
 
     const char* mode_;
     CommandFile* next_;
