@@ -168,7 +168,7 @@ TEST_F(SystemDisks, MoreThan32AreDroppedAndToldOnce)
 TEST_F(SystemDisks, ShortMemoryClosesTheDevice)
 {
     Libc libc;
-    const PDevice device = machine.makeDevice(0);
+    PDevice device = machine.makeDevice(0);
     libc.failAllocation(1);
     EXPECT_THROW(disks->addOSDisk(disks, device, "/dev/nvme0n1"), std::bad_alloc);
     EXPECT_EQ(disks->m_os_count, 0);

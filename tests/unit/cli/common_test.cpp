@@ -209,7 +209,10 @@ TEST_F(FileHelpers, ANameHas1023CharactersWithoutItsQuotes)
         path += '/';
     }
     path.back() = 'x';
-    for (const std::string& name : {path, "\"" + path + "\"", "\"" + path + "\"" + path}) {
+    const std::string quoted = "\"" + path + "\"";
+    std::string followed = quoted;
+    followed += path;
+    for (const std::string& name : {path, quoted, followed}) {
         ASSERT_EQ(open_file(name.c_str(), "wb"), 0);
         close_file();
     }
