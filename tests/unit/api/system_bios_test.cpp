@@ -350,6 +350,16 @@ TEST(SlotTable, AStructureThatReachesPastTheEndIsNotDecoded)
     EXPECT_EQ(walk(joined({slot(3, 9), last})), 9);
 }
 
+TEST(SlotTable, AStructureWhoseStringsHaveNoEndIsNotDecoded)
+{
+    Bytes last = slot(3, 10);
+    last.resize(17);
+    last.insert(last.end(), {'a', 0});
+    EXPECT_EQ(walk(joined({slot(3, 9), last})), 9);
+    last.push_back(0);
+    EXPECT_EQ(walk(joined({slot(3, 9), last})), 10);
+}
+
 TEST(SlotTable, StringsAreSteppedOver)
 {
     Bytes named = structure(1, 8);

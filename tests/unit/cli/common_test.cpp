@@ -234,6 +234,7 @@ TEST_F(FileHelpers, FailuresAreOne)
     EXPECT_EQ(open_file("\"\"", "rb"), 1);
     EXPECT_EQ(outcomeOf([] { return open_file("'x'", "wb"); }),
               (Outcome{1, "", "Please use double quotation mark to include strings.\n"}));
+    EXPECT_EQ(errno, EINVAL);
 }
 
 TEST_F(FileHelpers, ASecondOpenKeepsWhatTheFirstWrote)

@@ -209,6 +209,7 @@ TEST_F(FlashController, OnlyTheFileThatWasCheckedIsSent)
     const std::string second = scratch.file("image'", textOf(pattern(kSegmentSize)));
     const std::string third = scratch.file("image", textOf(pattern(2 * kSegmentSize)));
     EXPECT_EQ(flash(path), refusedByWorker);
+    EXPECT_EQ(flash(scratch.file("image'''", textOf(pattern(kSegmentSize)))), refusedByWorker);
 }
 
 TEST_F(FlashController, AFileThatChangesWhileItIsSentIsNotCommitted)

@@ -352,6 +352,14 @@ TEST_F(InfoAdapter, CountsPdsOfAControllerInTheRangeOfTheCurrentOne)
     EXPECT_EQ(checkHDExist(300, true, 1), 1);
 }
 
+TEST_F(InfoAdapter, DebugLinesOfAPdThatIsCounted)
+{
+    dbg_enable = 1;
+    machine.expect(pdFetch(3).on(0).data(envelope(Bytes{})));
+    EXPECT_EQ(outcomeOf([] { return int{checkHDExist(3, false, 0)}; }),
+              (Outcome{1, "CDW[0] : 0x000000e2\nCDW[12]: 0x000000e1\nCDW[14]: 0x00000003\ncmd_status: 0x0\n"}));
+}
+
 TEST_F(InfoAdapter, Revisions)
 {
     NVME_Adapter_Info info = someAdapter();

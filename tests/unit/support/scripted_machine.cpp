@@ -26,6 +26,7 @@ ScriptedDevice& scripted(PDevice device)
 
 Bytes copyOf(const void* data, std::size_t length)
 {
+    EXPECT_TRUE(data != nullptr || length == 0) << "a device refuses a length without data";
     if (data == nullptr || length == 0) {
         return {};
     }

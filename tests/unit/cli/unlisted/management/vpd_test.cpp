@@ -205,6 +205,17 @@ TEST_F(OldVpd, BothFilesMayBeNamed)
     }
 }
 
+TEST_F(OldVpd, OneFileIsNotBoth)
+{
+    const std::string file = fileOf(pattern(256, 8));
+    EXPECT_EQ(unlisted({"vpd", "-t", "read", "-2", file, "-1", file}),
+              (Outcome{1, "vpd: '" + file + "' is the input file\n"}));
+    EXPECT_EQ(contentOf(file), textOf(pattern(256, 8)));
+    EXPECT_EQ(unlisted({"vpd", "-t", "vsw", "-1", file, "-2", file}),
+              (Outcome{1, "vpd: '" + file + "' is the output file\n"}));
+    EXPECT_EQ(contentOf(file), "") << "emptied in the option pass";
+}
+
 TEST_F(OldVpd, OptionsAreChecked)
 {
     EXPECT_EQ(unlisted({"vpd", "-o", "7k", "-h"}), (Outcome{0, "-o : invalid offset '7k'\n"}));

@@ -126,18 +126,20 @@ TEST_F(Aer, AllBitsClear)
 TEST_F(Aer, EachFieldHasItsBits)
 {
     const std::vector<Place> all = places();
-    // Every field alone, with a value in which the lowest and the highest of its bits differ where it has several.
+    // Every field alone: with all of its bits, and with a value whose lowest and highest bits differ.
     for (std::size_t i = 0; i < all.size(); ++i) {
-        const unsigned value = all[i].width == 1 ? 1 : 1U << (all[i].width - 1) | 2;
-        Bytes record(60);
-        for (unsigned bit = 0; bit < all[i].width; ++bit) {
-            const unsigned at = all[i].bit + bit;
-            record[at / 8] = static_cast<QRX_U8>(record[at / 8] | (value >> bit & 1) << at % 8);
+        const unsigned full = (1U << all[i].width) - 1;
+        for (const unsigned value : {full, full >> 1, full & ~1U}) {
+            Bytes record(60);
+            for (unsigned bit = 0; bit < all[i].width; ++bit) {
+                const unsigned at = all[i].bit + bit;
+                record[at / 8] = static_cast<QRX_U8>(record[at / 8] | (value >> bit & 1) << at % 8);
+            }
+            std::vector<unsigned> values(all.size());
+            values[i] = value;
+            machine.expect(read(9).data(envelope(record)));
+            EXPECT_EQ(unlisted({"aer", "--id=9"}), (Outcome{0, pageOf(values)})) << i;
         }
-        std::vector<unsigned> values(all.size());
-        values[i] = value;
-        machine.expect(read(9).data(envelope(record)));
-        EXPECT_EQ(unlisted({"aer", "--id=9"}), (Outcome{0, pageOf(values)})) << i;
     }
 }
 
