@@ -126,13 +126,15 @@ TEST_F(NvmeDevice, OneWordFillsCdw10Alone)
 
 TEST_F(NvmeDevice, DataToTheDeviceIsSentFromAZeroedPage)
 {
-    Bytes in = pattern(100);
-    EXPECT_EQ(send(199, &in, nullptr), 0U);
-    nvme_admin_cmd expected{};
-    expected.opcode = 0xC7;
-    expected.data_len = 100;
-    expectSent(expected);
-    EXPECT_EQ(data_sent, padded(pattern(100), 4096));
+    for (const QRX_U16 length : {QRX_U16{1}, QRX_U16{100}}) {
+        Bytes in = pattern(length);
+        EXPECT_EQ(send(199, &in, nullptr), 0U);
+        nvme_admin_cmd expected{};
+        expected.opcode = 0xC7;
+        expected.data_len = length;
+        expectSent(expected);
+        EXPECT_EQ(data_sent, padded(pattern(length), 4096));
+    }
 }
 
 TEST_F(NvmeDevice, ABufferForTheAnswerIsSentAlongAndFilled)
