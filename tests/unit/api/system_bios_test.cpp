@@ -379,6 +379,7 @@ TEST(SlotTable, AShortSlotStructureReadsWhatFollowsInTheTableAndNoFurther)
     EXPECT_EQ(walk(joined({early, Bytes{1}})), -1);
     EXPECT_EQ(walk(joined({early, Bytes{1, 2}})), -1);
     EXPECT_EQ(walk(joined({early, Bytes{1, 3}})), 21);
+    EXPECT_EQ(walk(joined({structure(1, 8), early, Bytes{1}})), -1);
 }
 
 TEST(SlotTable, TheHeaderIsReadFromTheFirstFourBytes)

@@ -311,6 +311,8 @@ TEST_F(HotkeyCommand, SixteenPortsNeedNoEnd)
     machine.expect(adapterFetch().data(adapterWith({7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 7, 1})));
     machine.expect(registerRead(2, 0xE2203148).data({3}));
     EXPECT_EQ(command({"hotkey", "-k", "w"}), (Outcome{0, "e2203148 : 0x3\n"}));
+    machine.expect(adapterFetch().data(adapterWith({})));
+    EXPECT_EQ(outcomeOf(hotkey_read_RC_EP), (Outcome{0, ""}));
 }
 
 TEST_F(HotkeyCommand, APortThatCannotBeReadDoesNotStopTheOthers)
@@ -334,6 +336,7 @@ TEST_F(HotkeyCommand, WithoutTheControllersRecordNoPortIsRead)
               (Outcome{0, "\nUnable to get info of Adapter, cmd_status:0x2a\n", "rc or ep fail\n"}));
     gCurrentAdapter = 2;
     EXPECT_EQ(command({"hotkey", "-k", "w"}), (Outcome{0, "\nUnable to get info of Adapter\n", "rc or ep fail\n"}));
+    EXPECT_EQ(outcomeOf(hotkey_read_RC_EP), (Outcome{1, "\nUnable to get info of Adapter\n", "rc or ep fail\n"}));
 }
 
 TEST_F(HotkeyCommand, BothWordsAreCarriedOutBeforeTheyAreTooMany)

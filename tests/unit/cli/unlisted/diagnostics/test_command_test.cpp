@@ -134,6 +134,31 @@ TEST_F(TestCommand, WhatFailsIsToldAndTheRestGoesOn)
                        "Not supported (Status Code: 0x705)\nInvalid HD ID (Status Code: 0x706)\n"}));
 }
 
+TEST_F(TestCommand, DebugLines)
+{
+    dbg_enable = 1;
+    const std::string empty = "cmd_status: 0x0\nreceive sign get 0x0 0x0 0x0 expect 0x51 0x52 0x58\n";
+    const std::string disks = "CDW[0] : 0x000000e2\nCDW[12]: 0x000000e1\nCDW[14]: 0x00000000\n" + empty +
+                              "Error code:0x706\n"
+                              "CDW[0] : 0x000000e2\nCDW[12]: 0x000000e1\nCDW[14]: 0x00000001\n" +
+                              empty + "Error code:0x706\nNo physical disk is found.\n";
+    Outcome expected{0, "[Time#0]\n=====Get all adapters====start\n"};
+    for (const unsigned slot : {0U, 1U}) {
+        machine.expect(adapterFetch().on(slot).status(0x705));
+        expected.stream += "CDW[0] : 0x000000e2\nCDW[12]: 0x000000e0\nCDW[14]: 0x00000000\n" + empty +
+                           "\nUnable to get info of NVMe Controller " + std::to_string(slot) + "\n";
+        expected.out += "Not supported (Status Code: 0x705)\n";
+    }
+    expected.stream += "=====Get all pds=====start\n" + disks + disks;
+    for (const unsigned slot : {0U, 1U}) {
+        for (const QRX_U16 id : {QRX_U16{0}, QRX_U16{1}}) {
+            machine.expect(pdFetch(id).on(slot).status(0x706));
+            expected.out += "Invalid HD ID (Status Code: 0x706)\n";
+        }
+    }
+    EXPECT_EQ(unlisted({"test", "-t", "1"}), expected);
+}
+
 TEST_F(TestCommand, AVerdictOnTheControllerIsTold)
 {
     const std::string last = pageOf(1);

@@ -225,6 +225,8 @@ TEST_F(EventCommand, SlotsOutsideThePageAreNotFollowed)
 TEST_F(EventCommand, UnderDebugEachRecordIsDumpedFirst)
 {
     NVME_Event_Item item = numbered(7);
+    item.Reserved[24] = '~' + 1;
+    item.Reserved[25] = ' ';
     item.Reserved[26] = '~';
     dbg_enable = 1;
     ring(1, 1, 0, 1);
@@ -234,7 +236,7 @@ TEST_F(EventCommand, UnderDebugEachRecordIsDumpedFirst)
                        "\n0000:03 00 04 00 ef 03 00 00 07 00 00 00 07 00 00 00           ................"
                        "\n0010:00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00           ................"
                        "\n0020:00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00           ................"
-                       "\n0030:00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 7e           ...............~"
+                       "\n0030:00 00 00 00 00 00 00 00 00 00 00 00 00 7f 20 7e           .............. ~"
                        "\nEnd list\n" +
                            shown(7) + total(1)}));
 }

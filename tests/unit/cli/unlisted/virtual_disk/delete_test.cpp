@@ -1,7 +1,10 @@
 // `delete`.
+#include <cerrno>
+
 #include "api/src/interface/wire/bga.h"
 #include "tests/unit/cli/system_disk.h"
 #include "tests/unit/cli/unlisted/virtual_disk/fixture.h"
+#include "tests/unit/support/libc.h"
 
 namespace {
 
@@ -115,6 +118,35 @@ TEST_F(Delete, TheEndOfInputDeletesNothing)
     const Input input("what\n");
     expectVd(4);
     EXPECT_EQ(ask("4"), (Outcome{1, kQuestion + kAgain + "No answer, the virtual disk is not deleted.\n"}));
+}
+
+TEST_F(Delete, AnInterruptedReadOfTheAnswerIsRepeated)
+{
+    const std::string typed = "y\n";
+    std::size_t calls = 0;
+    Libc libc;
+    libc.onRead = [&](int, void* key, std::size_t) -> ssize_t {
+        if (++calls % 2 != 0) {
+            errno = EINTR;
+            return -1;
+        }
+        *static_cast<char*>(key) = typed.at(calls / 2 - 1);
+        return 1;
+    };
+    expectAll(4);
+    EXPECT_EQ(ask("4"), deleted("4", kQuestion));
+    EXPECT_EQ(calls, 4U);
+}
+
+TEST_F(Delete, AnAnswerThatCannotBeReadDeletesNothing)
+{
+    Libc libc;
+    libc.onRead = [](int, void*, std::size_t) -> ssize_t {
+        errno = EIO;
+        return -1;
+    };
+    expectVd(4);
+    EXPECT_EQ(ask("4"), (Outcome{1, kQuestion + "No answer, the virtual disk is not deleted.\n"}));
 }
 
 TEST_F(Delete, BadValues)
