@@ -36,6 +36,7 @@ TEST_F(OptionNames, ALongNameStandsForItsLetter)
              {"debuglv", "-t", "--target", "-t : invalid target 'x'.\n"},
              {"flash", "-t", "--type", "-t : invalid type 'x'\n"},
              {"flash", "-i", "--id", "-i : invalid id 'x'.\n"},
+             {"init", "-a", "--action", "-a : invalid action 'x'.\n"},
              {"init", "-i", "--vd_id", "-i : invalid vd id 'x'.\n"},
              {"rebuild", "-a", "--action", "-a : invalid action 'x'.\n"},
              {"rebuild", "-i", "--vd_id", "-i : invalid vd id 'x'.\n"},

@@ -36,11 +36,14 @@ TEST_F(UnlistedOptionNames, ALongNameStandsForItsLetter)
     };
     for (const Names& names : std::initializer_list<Names>{
              {"crash", "-a", "--action", "x", "-a : invalid target 'x'.\n"},
+             {"info", "-o", "--object", "x", "-o : invalid object 'x'\n"},
+             {"info", "-i", "--id", "x", "-i : id should be a number\ninfo: option -o is required\n"},
              {"iomon_polling", "-a", "--action", "x", "-a : invalid action 'x'.\n"},
              {"iomon_polling", "-i", "--id", "x", "-i : id should be a number\n"},
              {"log_vdm", "-a", "--action", "x", "-a : invalid action 'x'.\n"},
              {"mi_admin_receive", "-f", "--outputfile", "/no/x", "mi_admin_receive: " + absent},
              {"mi_admin_receive", "-s", "--show", "x", "-s : invalid show type 'x'\n"},
+             {"mp", "-a", "--action", "x", "-a : invalid action 'x'\n"},
              {"new_mi_receive", "-0", "--msgtype", "x", "--msgtype: Invalid message type\n"},
              {"new_mi_receive", "-1", "--ic", "x", "--ic: Invalid IC\n"},
              {"new_mi_receive", "-2", "--ror", "x", "--ror: Invalid ROR\n"},
@@ -58,6 +61,7 @@ TEST_F(UnlistedOptionNames, ALongNameStandsForItsLetter)
              {"passthru_sata", "-n", "--nsid", "x", "-n: Backend Namespace ID should be a decimal or hexadecimal\n"},
              {"passthru_sata", "-m", "--metadata-len", "x",
               "-m: Metadata length id should be a decimal or hexadecimal\n"},
+             {"rebuild", "-a", "--action", "x", "-a : invalid action 'x'\n"},
              {"vpd", "-o", "--offset", "x", "-o : invalid offset 'x'\n"},
              {"vpd", "-l", "--data_len", "x", "-l : invalid data_len 'x'\n"},
              {"writezero", "-s", "--slba", "x", "-s: Invalid starting LBA\n"},
