@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -99,6 +100,16 @@ TEST_F(DeviceLock, CreatesItsSemaphoreWithCountOne)
     ASSERT_NE(lock->m_handle, nullptr);
     EXPECT_EQ(lock->lockName, name);
     EXPECT_EQ(value(lock), 1);
+}
+
+TEST_F(DeviceLock, ItsSemaphoreIsForAllUsers)
+{
+    const mode_t mask = umask(0);
+    const OwnedLock lock = open();
+    (void)umask(mask);
+    struct stat status {};
+    ASSERT_EQ(stat(("/dev/shm/sem." + name).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, mode_t{0777});
 }
 
 TEST_F(DeviceLock, JoinsASemaphoreThatExists)

@@ -303,6 +303,8 @@ TEST_F(EventCommand, AZeroByteAnywhereElseEndsThePage)
 TEST_F(EventCommand, ATokenOfOneCharacterEndsThePage)
 {
     EXPECT_EQ(all({lineOf(1) + "x\n" + lineOf(2), lineOf(4)}), (Outcome{0, shown(4) + shown(1), total(2)}));
+    EXPECT_EQ(all({lineOf(1) + "xy\n" + lineOf(2)}),
+              (Outcome{0, shown(2, 1), "Command format has error: xy\n" + total(2)}));
     EXPECT_EQ(all({lineOf(1) + std::string("\0\n", 2) + lineOf(2), lineOf(4)}),
               (Outcome{0, shown(4) + shown(1), total(2)}));
     EXPECT_EQ(all({"\n\n" + lineOf(1) + "\n\n\n" + lineOf(2)}), (Outcome{0, shown(2, 1), total(2)}));

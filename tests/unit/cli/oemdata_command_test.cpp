@@ -200,7 +200,8 @@ TEST_F(OemdataCommand, SomeOptionsAreCheckedAndDropped)
          {Line{"oemdata", "-k", "1234567890", "-k", "\"1234567890\""}, Line{"oemdata", "-p", "1234567890", "--pn=x"},
           Line{"oemdata", "--sku=", "-t", "PF", "--type", "ns", "-t", "nS"}, Line{"oemdata", "--read", "--read"},
           Line{"oemdata", "-w", "00:11:22:33:44:55:66:77", "--wwid=\"00:11:22:33:44:55:66:77\"", "-w", ""},
-          Line{"oemdata", "-w", "no digits at all, but a longer text"}}) {
+          Line{"oemdata", "-w", "no digits at all, but a longer text"},
+          Line{"oemdata", "-w", "0g:0g:0g:0g:0g:0g:0g:0g:0g"}, Line{"oemdata", "-w", "g0:g0:g0:g0:g0:g0:g0:g0:g0"}}) {
         expectWrite(stored, oemRecord(0x1234, 0x5678, kStoredSn, kStoredModel));
         EXPECT_EQ(command(words), (Outcome{0, kSuccess})) << *(words.begin() + 1);
     }

@@ -216,6 +216,14 @@ TEST_F(OldVpd, OneFileIsNotBoth)
     EXPECT_EQ(contentOf(file), "") << "emptied in the option pass";
 }
 
+TEST_F(OldVpd, ADeviceMayBeBoth)
+{
+    machine.expect(readPage().data(pattern(256, 5)));
+    EXPECT_EQ(unlisted({"vpd", "-t", "read", "-2", "/dev/null", "-1", "/dev/null"}), (Outcome{0, ""}));
+    machine.expect(write(Bytes(256)));
+    EXPECT_EQ(unlisted({"vpd", "-t", "vsw", "-1", "/dev/null", "-2", "/dev/null"}), (Outcome{0, kDone}));
+}
+
 TEST_F(OldVpd, OptionsAreChecked)
 {
     EXPECT_EQ(unlisted({"vpd", "-o", "7k", "-h"}), (Outcome{0, "-o : invalid offset '7k'\n"}));

@@ -58,6 +58,7 @@ TEST_F(MfndPermission, SendsTheEntriesOfTheText)
     sets("3:0xaa", {{0xAA, 3}});
     sets("0xaa", {{0xAA, 0}});
     sets("\"0xaa:1,0xab:2\"", {{0xAA, 1}, {0xAB, 2}});
+    sets("0xff:9", {{0xFF, 9}});
     sets(",,0xaa::1,,0xab:1,", {{0xAA, 1}, {0xAB, 1}});
     sets("", {});
 }
@@ -81,7 +82,7 @@ TEST_F(MfndPermission, ATextOfTheGreatestLengthIsTakenWhole)
 TEST_F(MfndPermission, ATextOfAnotherFormChangesNothing)
 {
     for (const char* entry :
-         {"x", "1", "0xaa:x", "0xaa:-1", "0x1aa:1", "-0x1:1", "0xaa:1 ", "0x:1", "0xag:1", "1g0xaa:1"}) {
+         {"x", "1", "0xaa:x", "0xaa:-1", "0x1aa:1", "0x100:1", "-0x1:1", "0xaa:1 ", "0x:1", "0xag:1", "1g0xaa:1"}) {
         for (const bool second : {false, true}) {
             EXPECT_EQ(
                 unlisted({"mfnd-cmdpermission", "-a", "set", "-e", (second ? "0xaa:1," : "") + std::string(entry)}),
